@@ -1,0 +1,51 @@
+# The few ways in which this project declares targets, so that every folder's list stays a list.
+
+# Flags that hold for all code of ours; libraries come in as SYSTEM includes and are not judged.
+add_library(orbinex_options INTERFACE)
+target_compile_options(orbinex_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+target_include_directories(orbinex_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
+if(ORBINEX_SANITIZE)
+  target_compile_options(orbinex_options INTERFACE
+    -fsanitize=${ORBINEX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(orbinex_options INTERFACE -fsanitize=${ORBINEX_SANITIZE})
+endif()
+
+# orbinex_library(NAME SOURCES file... [DEPENDS target...] [PRIVATE target...])
+# One folder of src/. DEPENDS are seen by users of its headers, PRIVATE are not.
+function(orbinex_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS;PRIVATE" ${ARGN})
+  add_library(${name} STATIC ${ARG_SOURCES})
+  target_link_libraries(${name} PUBLIC orbinex_options ${ARG_DEPENDS} PRIVATE ${ARG_PRIVATE})
+endfunction()
+
+# orbinex_test(NAME SOURCES file... [DEPENDS target...] [LABELS label...] [TIMEOUT seconds])
+# One GoogleTest program, found by ctest as NAME.
+function(orbinex_test name)
+  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;DEPENDS;LABELS" ${ARGN})
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 120)
+  endif()
+  add_executable(${name} ${ARG_SOURCES})
+  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+  target_link_libraries(${name} PRIVATE orbinex_options ${ARG_DEPENDS} GTest::gmock GTest::gtest_main)
+  add_test(NAME ${name} COMMAND ${name})
+  set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}")
+endfunction()
+
+# orbinex_bench(NAME SOURCES file... [DEPENDS target...]): one Google Benchmark program.
+function(orbinex_bench name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE orbinex_options ${ARG_DEPENDS} benchmark::benchmark)
+endfunction()
+
+# orbinex_fuzz(NAME SOURCES file... [DEPENDS target...]): one libFuzzer target; its seed corpus is
+# fuzz/corpus/NAME.
+function(orbinex_fuzz name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_compile_options(${name} PRIVATE -fsanitize=fuzzer)
+  target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+  target_link_libraries(${name} PRIVATE orbinex_options ${ARG_DEPENDS})
+endfunction()

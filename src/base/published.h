@@ -1,0 +1,48 @@
+#pragma once
+
+#include <utility>
+
+#include "base/signal.h"
+
+namespace orbinex {
+
+/// A value that others can watch. Every assignment is announced, also one of an equal value: the owner decides
+/// what counts as a change. Observers of the coming change see the new value as the argument while get() still
+/// gives the old one.
+template <class Value>
+class Published {
+  public:
+    using Observer = typename Signal<Value>::Observer;
+
+    Published() = default;
+    explicit Published(Value initial) : value_(std::move(initial)) {}
+
+    [[nodiscard]] const Value& get() const { return value_; }
+    const Value& operator*() const { return value_; }
+    const Value* operator->() const { return &value_; }
+
+    void set(Value next) {
+        willChange_.emit(next);
+        value_ = std::move(next);
+        // A copy, because an observer may assign again before the others have been told of this value.
+        const Value announced = value_;
+        didChange_.emit(announced);
+    }
+
+    Published& operator=(Value next) {
+        set(std::move(next));
+        return *this;
+    }
+
+    /// Called before an assignment with the value to come.
+    [[nodiscard]] Subscription onWillChange(Observer observer) { return willChange_.subscribe(std::move(observer)); }
+    /// Called after an assignment with the value assigned.
+    [[nodiscard]] Subscription onDidChange(Observer observer) { return didChange_.subscribe(std::move(observer)); }
+
+  private:
+    Value value_{};
+    Signal<Value> willChange_;
+    Signal<Value> didChange_;
+};
+
+}  // namespace orbinex
