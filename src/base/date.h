@@ -21,6 +21,8 @@ using Seconds = std::chrono::duration<double>;
 /// 2001-01-01 00:00:00 UTC in seconds since 1970-01-01 00:00:00 UTC.
 inline constexpr Seconds referenceEpoch{978307200.0};
 
-constexpr Date dateFromUnix(Seconds sinceUnixEpoch) { return Date(sinceUnixEpoch - referenceEpoch); }
+constexpr Date dateFromUnix(Seconds sinceUnixEpoch) {
+    return Date(sinceUnixEpoch - referenceEpoch);
+}
 
 }  // namespace orbinex

@@ -47,7 +47,8 @@ class MainQueue {
 
     /// Runs the job on the main thread, after everything posted before it. May be called from any thread.
     virtual void post(Job job) = 0;
-    /// Runs the job once after the delay (at once in the next turn when it is zero or negative). Main thread only.
+    /// Runs the job once after the delay (at once in the next turn when it is zero or negative). Main thread
+    /// only.
     [[nodiscard]] virtual Timer after(Delay delay, Job job) = 0;
     /// Runs the job every `interval` (at least one millisecond), first after one interval. Main thread only.
     [[nodiscard]] virtual Timer every(Delay interval, Job job) = 0;

@@ -15,5 +15,7 @@ std::optional<std::int64_t> parseInteger(std::string_view text);
 std::optional<double> parseDecimal(std::string_view text);
 /// The number with a fixed count of decimals (0 to 9), as printf's "%.Nf" writes it in the "C" locale.
 std::string formatFixed(double value, int decimals);
+/// The shortest text that parseDecimal reads back as the same number ("nan" for any not-a-number keeps only its sign).
+std::string formatDecimal(double value);
 
 }  // namespace orbinex

@@ -6,9 +6,9 @@
 
 namespace orbinex {
 
-/// A value that others can watch. Every assignment is announced, also one of an equal value: the owner decides
-/// what counts as a change. Observers of the coming change see the new value as the argument while get() still
-/// gives the old one.
+/// A value that others can watch. Every assignment is announced, also one of an equal value: the owner
+/// decides what counts as a change. Observers of the coming change see the new value as the argument while
+/// get() still gives the old one.
 template <class Value>
 class Published {
   public:
@@ -35,9 +35,13 @@ class Published {
     }
 
     /// Called before an assignment with the value to come.
-    [[nodiscard]] Subscription onWillChange(Observer observer) { return willChange_.subscribe(std::move(observer)); }
+    [[nodiscard]] Subscription onWillChange(Observer observer) {
+        return willChange_.subscribe(std::move(observer));
+    }
     /// Called after an assignment with the value assigned.
-    [[nodiscard]] Subscription onDidChange(Observer observer) { return didChange_.subscribe(std::move(observer)); }
+    [[nodiscard]] Subscription onDidChange(Observer observer) {
+        return didChange_.subscribe(std::move(observer));
+    }
 
   private:
     Value value_{};

@@ -34,8 +34,8 @@ class Subscription {
 };
 
 /// A list of observers. One thread only. An observer may subscribe, unsubscribe (itself or others) and emit
-/// again from within a call, and may destroy the signal itself; observers added during an emission are first called by
-/// the next one.
+/// again from within a call, and may destroy the signal itself; observers added during an emission are first
+/// called by the next one.
 template <class... Arguments>
 class Signal {
   public:

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "editor_bridge/editor_bridge.h"
+
+namespace orbinex {
+
+/// The bridge of a computer without any supported editor: it watches nothing, and commands have no effect.
+class IdleEditorBridge final : public EditorBridge {
+  public:
+    void setBLEClientConnected(bool) override {}
+    void handleCommand(const DAWCommand&) override {}
+    void handleTransportKey(std::uint16_t, ModifierFlags) override {}
+    [[nodiscard]] std::string activeBundleID() const override { return {}; }
+    [[nodiscard]] SessionTelemetry currentTelemetry() const override {
+        return {.timecode = "01:00:00:00",
+                .fps = 24.0,
+                .appVersion = "RESOLVE",
+                .timelineName = "Timeline",
+                .pageName = "EDIT",
+                .playbackSpeed = "0X",
+                .isPlaying = false};
+    }
+};
+
+}  // namespace orbinex
