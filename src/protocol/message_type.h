@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstdint>
+
+namespace orbinex::OrbinexProtocol {
+
+/// Byte 0 of a control message.
+enum class MessageType : std::uint8_t {
+    hello = 0x10,
+    disconnectRequest = 0x11,
+    goodbye = 0x12,
+    activeApp = 0x13,
+    sessionTelemetry = 0x14,
+    /// The header or one track, told apart by the first field.
+    sessionRecord = 0x15,
+    dawCommand = 0x16,
+    dawMeter = 0x17,
+};
+
+}  // namespace orbinex::OrbinexProtocol
