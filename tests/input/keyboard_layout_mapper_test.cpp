@@ -1,0 +1,88 @@
+#include "input/keyboard_layout_mapper.h"
+
+#include <gtest/gtest.h>
+
+#include "sim/scripted_layout.h"
+
+namespace orbinex {
+namespace {
+
+constexpr ModifierFlags none{};
+constexpr ModifierFlags shift = ModifierFlags::shift;
+constexpr ModifierFlags option = ModifierFlags::option;
+
+TEST(KeyboardLayoutMapper, mapsLettersToTheirKeysWithTheFewestModifiers) {
+    ScriptedLayoutSource source;
+    const KeyboardLayoutMapper mapper(source);
+    EXPECT_EQ(mapper.layoutName(), "U.S.");
+    EXPECT_EQ(mapper.table().find("a"), (KeyMapping{0, none}));
+    EXPECT_EQ(mapper.table().find("A"), (KeyMapping{0, shift}));
+    EXPECT_EQ(mapper.table().find("å"), (KeyMapping{0, option}));
+    EXPECT_EQ(mapper.table().find("ж"), std::nullopt);
+}
+
+TEST(KeyboardLayoutMapper, firstProducerWinsByCombinationThenByKeyOrder) {
+    ScriptedLayout layout;
+    layout.key(47, none, "x").key(1, shift, "x");
+    layout.key(94, none, "y").key(50, none, "y");
+    layout.key(2, shift | option, "z").key(3, option, "z");
+    ScriptedLayoutSource source(layout);
+    const KeyboardLayoutMapper mapper(source);
+    EXPECT_EQ(mapper.table().find("x"), (KeyMapping{47, none}));
+    EXPECT_EQ(mapper.table().find("y"), (KeyMapping{50, none}));
+    EXPECT_EQ(mapper.table().find("z"), (KeyMapping{3, option}));
+}
+
+TEST(KeyboardLayoutMapper, leavesOutWhatIsNotOneTypedCharacterOfACandidateKey) {
+    ScriptedLayout layout;
+    layout.key(0, none, "ab").key(1, none, "").key(2, none, "\x01").key(3, none, "\x7F");
+    layout.key(36, none, "r").key(48, none, "t").key(51, none, "d").key(82, none, "0");
+    layout.deadKey(4, none);
+    // One user-perceived character of two scalars counts.
+    layout.key(5, none, "g\xCC\x83");
+    ScriptedLayoutSource source(layout);
+    const KeyboardLayoutMapper mapper(source);
+    EXPECT_EQ(mapper.table().size(), 1U);
+    EXPECT_EQ(mapper.table().find("g\xCC\x83"), (KeyMapping{5, none}));
+}
+
+TEST(KeyboardLayoutMapper, canonicallyEquivalentTextFindsTheSameKey) {
+    ScriptedLayout layout;
+    layout.key(0, none, "e\xCC\x81").key(1, shift, "\xC3\xA9");
+    ScriptedLayoutSource source(layout);
+    const KeyboardLayoutMapper mapper(source);
+    EXPECT_EQ(mapper.table().find("\xC3\xA9"), (KeyMapping{0, none}));
+    EXPECT_EQ(mapper.table().find("e\xCC\x81"), (KeyMapping{0, none}));
+}
+
+TEST(KeyboardLayoutMapper, followsTheSelectionAndFallsBackToALatinLayout) {
+    ScriptedLayout russian{"Russian", {}};
+    russian.key(0, none, "ф");
+    ScriptedLayout latin{"ABC", {}};
+    latin.key(7, none, "a");
+    ScriptedLayoutSource source;
+    const KeyboardLayoutMapper mapper(source);
+
+    source.select(russian);
+    EXPECT_EQ(mapper.layoutName(), "Russian");
+    EXPECT_EQ(mapper.table().find("a"), std::nullopt);
+    EXPECT_EQ(mapper.table().find("ф"), (KeyMapping{0, none}));
+
+    source.select(std::nullopt);
+    EXPECT_EQ(mapper.layoutName(), "");
+    EXPECT_EQ(mapper.table().size(), 0U);
+
+    source.asciiCapable = latin;
+    source.select(std::nullopt);
+    EXPECT_EQ(mapper.layoutName(), "ABC");
+    EXPECT_EQ(mapper.table().find("a"), (KeyMapping{7, none}));
+}
+
+TEST(KeyboardLayoutMapper, endsBeforeItsSourceWithoutBeingCalledAgain) {
+    ScriptedLayoutSource source;
+    { const KeyboardLayoutMapper mapper(source); }
+    source.select(std::nullopt);
+}
+
+}  // namespace
+}  // namespace orbinex
