@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <functional>
+#include <iterator>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -77,7 +78,13 @@ class Signal {
         int depth = 0;
 
         void sweep() {
-            if (depth == 0) std::erase_if(slots, [](const auto& slot) { return !slot->connected; });
+            if (depth != 0) return;
+            // Kept until the list is whole again: an observer that goes may own subscriptions of this very
+            // signal.
+            std::vector<std::shared_ptr<Slot>> gone;
+            std::ranges::copy_if(slots, std::back_inserter(gone),
+                                 [](const auto& slot) { return !slot->connected; });
+            std::erase_if(slots, [](const auto& slot) { return !slot->connected; });
         }
     };
     std::shared_ptr<State> state_;

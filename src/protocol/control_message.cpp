@@ -13,20 +13,13 @@ namespace orbinex {
 namespace {
 
 using OrbinexProtocol::MessageType;
+using OrbinexProtocol::textMessage;
 
 /// How much of a received application identifier is looked at.
 constexpr std::size_t maximumReceivedIdentityBytes = 128;
 
-Bytes message(MessageType type, std::string_view payload = {}) {
-    Bytes bytes;
-    bytes.reserve(1 + payload.size());
-    bytes.push_back(static_cast<std::uint8_t>(type));
-    bytes.insert(bytes.end(), payload.begin(), payload.end());
-    return bytes;
-}
-
 Bytes hello(std::uint8_t version, std::string_view name) {
-    Bytes bytes = message(MessageType::hello);
+    Bytes bytes = textMessage(MessageType::hello);
     const std::string_view kept = name.substr(0, maximumIdentityBytes);
     bytes.push_back(version);
     bytes.insert(bytes.end(), kept.begin(), kept.end());
@@ -69,11 +62,11 @@ struct Encoder {
     Bytes operator()(const DAWHeader& content) const { return encodeHeader(content); }
     Bytes operator()(const DAWTrackState& content) const { return encodeTrack(content); }
     Bytes operator()(const DAWCommand& content) const {
-        return message(MessageType::dawCommand, content.encode());
+        return textMessage(MessageType::dawCommand, content.encode());
     }
     Bytes operator()(const DAWMeterPacket& content) const { return encodeMeter(content); }
     Bytes operator()(const ControlMessage::DisconnectRequest&) const {
-        return message(MessageType::disconnectRequest);
+        return textMessage(MessageType::disconnectRequest);
     }
     Bytes operator()(const ControlMessage::Goodbye&) const { return encodeGoodbye(); }
 };
@@ -109,11 +102,11 @@ Bytes encodeHello(std::string_view macName) {
 }
 
 Bytes encodeActiveApp(std::string_view bundleID) {
-    return message(MessageType::activeApp, bundleID.substr(0, maximumIdentityBytes));
+    return textMessage(MessageType::activeApp, bundleID.substr(0, maximumIdentityBytes));
 }
 
 Bytes encodeGoodbye() {
-    return message(MessageType::goodbye);
+    return textMessage(MessageType::goodbye);
 }
 
 }  // namespace orbinex

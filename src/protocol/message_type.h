@@ -1,6 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
+
+#include "base/bytes.h"
 
 namespace orbinex::OrbinexProtocol {
 
@@ -16,5 +19,14 @@ enum class MessageType : std::uint8_t {
     dawCommand = 0x16,
     dawMeter = 0x17,
 };
+
+/// A control message: the type byte and a text.
+inline Bytes textMessage(MessageType type, std::string_view text = {}) {
+    Bytes message;
+    message.reserve(1 + text.size());
+    message.push_back(static_cast<std::uint8_t>(type));
+    message.insert(message.end(), text.begin(), text.end());
+    return message;
+}
 
 }  // namespace orbinex::OrbinexProtocol

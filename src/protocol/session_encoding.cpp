@@ -10,17 +10,10 @@ namespace orbinex {
 namespace {
 
 using OrbinexProtocol::MessageType;
+using OrbinexProtocol::textMessage;
 
 /// Stands for the absence of a clip.
 constexpr std::string_view noClip = "Empty";
-
-Bytes message(MessageType type, const std::string& record) {
-    Bytes bytes;
-    bytes.reserve(1 + record.size());
-    bytes.push_back(static_cast<std::uint8_t>(type));
-    bytes.insert(bytes.end(), record.begin(), record.end());
-    return bytes;
-}
 
 std::int64_t atLeastOne(std::int64_t value) {
     return std::max<std::int64_t>(1, value);
@@ -78,7 +71,7 @@ Bytes encodeTelemetry(const SessionTelemetry& telemetry) {
         .text(telemetry.pageName, 12)
         .text(telemetry.playbackSpeed, 8)
         .flag(telemetry.isPlaying);
-    return message(MessageType::sessionTelemetry, writer.record());
+    return textMessage(MessageType::sessionTelemetry, writer.record());
 }
 
 Bytes encodeHeader(const DAWHeader& header) {
@@ -94,7 +87,7 @@ Bytes encodeHeader(const DAWHeader& header) {
         .integer(header.nodeCount)
         .integer(header.selectedNodeIndex)
         .flag(header.isNodeEnabled);
-    return message(MessageType::sessionRecord, writer.record());
+    return textMessage(MessageType::sessionRecord, writer.record());
 }
 
 Bytes encodeHeader(const DAWSessionSnapshot& session) {
@@ -124,7 +117,7 @@ Bytes encodeTrack(const DAWTrackState& track) {
         .text(wireCode(track.controlMode))
         .flag(track.hasActiveClip)
         .text(track.clipUID, 12);
-    return message(MessageType::sessionRecord, writer.record());
+    return textMessage(MessageType::sessionRecord, writer.record());
 }
 
 std::optional<SessionTelemetry> decodeTelemetry(std::string_view text) {
