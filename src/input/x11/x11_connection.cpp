@@ -1,0 +1,109 @@
+#include "input/x11/x11_connection.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include <X11/XKBlib.h>
+#include <X11/Xlib.h>
+#include <X11/extensions/XInput2.h>
+#include <X11/extensions/XTest.h>
+#include <X11/extensions/Xrandr.h>
+
+namespace orbinex {
+
+namespace {
+
+/// The displays that are ours. Xlib has one error handler for the whole process, and other code in the
+/// process may have displays and a handler of its own.
+std::vector<Display*>& ownDisplays() {
+    static std::vector<Display*> displays;
+    return displays;
+}
+
+XErrorHandler previousHandler = nullptr;
+
+int handleError(Display* display, XErrorEvent* error) {
+    if (std::ranges::find(ownDisplays(), display) != ownDisplays().end()) return 0;
+    return previousHandler ? previousHandler(display, error) : 0;
+}
+
+void addOwnDisplay(Display* display) {
+    const XErrorHandler before = XSetErrorHandler(handleError);
+    if (before != handleError) previousHandler = before;
+    ownDisplays().push_back(display);
+}
+
+}  // namespace
+
+std::unique_ptr<X11Connection> X11Connection::open(const std::string& displayName) {
+    Display* display = XOpenDisplay(displayName.empty() ? nullptr : displayName.c_str());
+    if (!display) return nullptr;
+    addOwnDisplay(display);
+    std::unique_ptr<X11Connection> connection(new X11Connection(display, std::make_unique<State>()));
+    return connection->hasExtensions() ? std::move(connection) : nullptr;
+}
+
+X11Connection::X11Connection(Display* display, std::unique_ptr<State> state)
+    : display_(display), state_(std::move(state)), root_(DefaultRootWindow(display)) {
+    // Without this Xlib would end the process when the server goes away.
+    XSetIOErrorExitHandler(
+        display_, [](Display*, void* data) { static_cast<State*>(data)->isAlive = false; }, state_.get());
+}
+
+X11Connection::~X11Connection() {
+    XCloseDisplay(display_);
+    std::erase(ownDisplays(), display_);
+}
+
+bool X11Connection::hasExtensions() {
+    int opcode = 0;
+    int event = 0;
+    int error = 0;
+    int major = 0;
+    int minor = 0;
+    if (!XTestQueryExtension(display_, &event, &error, &major, &minor)) return false;
+
+    major = XkbMajorVersion;
+    minor = XkbMinorVersion;
+    if (!XkbQueryExtension(display_, &opcode, &xkbEventBase_, &error, &major, &minor)) return false;
+
+    if (!XRRQueryExtension(display_, &randrEventBase_, &error)) return false;
+    if (!XRRQueryVersion(display_, &major, &minor) || std::pair(major, minor) < std::pair(1, 5)) return false;
+
+    if (!XQueryExtension(display_, "XInputExtension", &xinputOpcode_, &event, &error)) return false;
+    major = 2;
+    minor = 2;
+    return XIQueryVersion(display_, &major, &minor) == Success && std::pair(major, minor) >= std::pair(2, 2);
+}
+
+int X11Connection::fd() const {
+    return ConnectionNumber(display_);
+}
+
+void X11Connection::processEvents() {
+    if (!isAlive()) return;
+    XEventsQueued(display_, QueuedAfterReading);
+    processQueuedEvents();
+}
+
+void X11Connection::processQueuedEvents() {
+    while (isAlive() && XEventsQueued(display_, QueuedAlready) > 0) {
+        XEvent event;
+        XNextEvent(display_, &event);
+        const bool hasData = event.type == GenericEvent && XGetEventData(display_, &event.xcookie) != False;
+        events_.emit(&event);
+        if (hasData) XFreeEventData(display_, &event.xcookie);
+    }
+}
+
+bool X11Connection::flush() {
+    if (isAlive()) XFlush(display_);
+    return isAlive();
+}
+
+Subscription X11Connection::onEvent(Signal<XEvent*>::Observer observer) {
+    return events_.subscribe(std::move(observer));
+}
+
+}  // namespace orbinex

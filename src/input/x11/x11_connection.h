@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "base/signal.h"
+
+struct _XDisplay;
+union _XEvent;
+
+namespace orbinex {
+
+/// One connection to an X server and the events that arrive on it, shared by the adapters of this folder.
+/// Errors that the server reports are passed over: everything done here may meet a window or device that has
+/// just gone. When the server goes away the connection becomes dead and stays so; the process lives on. Main
+/// thread only.
+class X11Connection {
+  public:
+    /// Connects to the display (empty: the one in the environment). Nothing when that fails or the server
+    /// lacks an extension that input needs (XTEST, XKEYBOARD, RANDR 1.5, XInput 2.2).
+    static std::unique_ptr<X11Connection> open(const std::string& displayName = {});
+    X11Connection(const X11Connection&) = delete;
+    X11Connection& operator=(const X11Connection&) = delete;
+    ~X11Connection();
+
+    /// Readable when processEvents() has something to do.
+    [[nodiscard]] int fd() const;
+    /// Reads what has arrived, without waiting, and tells the observers.
+    void processEvents();
+    /// The same for events that were read along with replies; no system call.
+    void processQueuedEvents();
+    /// False once the server has gone.
+    [[nodiscard]] bool isAlive() const { return state_->isAlive; }
+    /// Sends what is buffered; false when the server has gone.
+    bool flush();
+
+    /// Cookie data of generic events is loaded during the call.
+    [[nodiscard]] Subscription onEvent(Signal<_XEvent*>::Observer observer);
+
+    [[nodiscard]] _XDisplay* display() const { return display_; }
+    [[nodiscard]] unsigned long root() const { return root_; }
+    /// The number that events of these extensions count from, or the extension's opcode.
+    [[nodiscard]] int xkbEventBase() const { return xkbEventBase_; }
+    [[nodiscard]] int randrEventBase() const { return randrEventBase_; }
+    [[nodiscard]] int xinputOpcode() const { return xinputOpcode_; }
+
+  private:
+    struct State {
+        bool isAlive = true;
+    };
+    X11Connection(_XDisplay* display, std::unique_ptr<State> state);
+    bool hasExtensions();
+
+    _XDisplay* display_;
+    std::unique_ptr<State> state_;
+    unsigned long root_ = 0;
+    int xkbEventBase_ = 0;
+    int randrEventBase_ = 0;
+    int xinputOpcode_ = 0;
+    Signal<_XEvent*> events_;
+};
+
+}  // namespace orbinex

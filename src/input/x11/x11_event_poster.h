@@ -1,0 +1,97 @@
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <optional>
+#include <variant>
+
+#include "base/main_queue.h"
+#include "input/event_poster.h"
+#include "input/x11/click_run.h"
+#include "input/x11/held_ledger.h"
+#include "input/x11/scroll_sink.h"
+#include "input/x11/wheel_clicks.h"
+#include "input/x11/x11_connection.h"
+#include "input/x11/x11_displays.h"
+#include "input/x11/x11_keyboard.h"
+#include "input/x11/x11_pointer.h"
+
+namespace orbinex {
+
+/// Posts events into an X server through its XTEST extension.
+///
+/// Text that needs more spare keys than the keyboard has at the moment waits for them, and everything posted
+/// after it waits behind it. What is held in the server is written down there too, so that the next start
+/// releases what a process that was killed has left behind.
+class X11EventPoster final : public EventPoster {
+  public:
+    struct Options {
+        CommandKey commandKey = CommandKey::control;
+        /// Takes the scrolling when there is one; must outlive the poster.
+        ScrollSink* scrollSink = nullptr;
+    };
+    /// Events that may wait behind text; more than this are refused, except releases.
+    static constexpr std::size_t maximumWaiting = 10'000;
+    /// How long the keyboard rests before spare keys lose their characters again.
+    static constexpr std::chrono::milliseconds restTime{300};
+
+    /// The connection and the queue must outlive the poster.
+    X11EventPoster(X11Connection& connection, MainQueue& queue, Options options);
+    X11EventPoster(X11Connection& connection, MainQueue& queue);
+    /// Releases everything.
+    ~X11EventPoster() override;
+
+    [[nodiscard]] Point pointerLocation() override;
+    [[nodiscard]] std::span<const Rect> activeDisplays() override { return displays_.active(); }
+    [[nodiscard]] Rect mainDisplay() override { return displays_.main(); }
+    bool postMouse(const MouseEvent& event) override;
+    bool postScroll(const ScrollEvent& event) override;
+    /// False also for keys that a PC keyboard does not have, such as fn.
+    bool postKey(const KeyEvent& event) override;
+    /// Types on the way down; a character that is cut over two calls is typed with the second.
+    bool postUnicode(std::u16string_view units, bool isDown) override;
+
+    /// Drops what waits, lets go of every key and button and gives the keyboard map back as it was. For the
+    /// end of the program, also by a signal.
+    void releaseEverything();
+
+  private:
+    using Operation = std::variant<MouseEvent, ScrollEvent, KeyEvent, char32_t>;
+    enum class Outcome { done, failed, later };
+
+    bool post(const Operation& operation);
+    bool enqueue(const Operation& operation);
+    void continueWaiting();
+    Outcome perform(const MouseEvent& event);
+    Outcome perform(const ScrollEvent& event);
+    Outcome perform(const KeyEvent& event);
+    Outcome perform(char32_t scalar);
+    bool pressButton(unsigned button);
+    void releaseButton(unsigned button);
+    void click(unsigned button, int times);
+    void wheel(int clicks, unsigned positiveButton, unsigned negativeButton);
+    void noteKeyboardUse();
+    void restIfUnused();
+
+    X11Connection& connection_;
+    MainQueue& queue_;
+    ScrollSink* scrollSink_;
+    HeldLedger ledger_;
+    X11Displays displays_;
+    X11Pointer pointer_;
+    X11Keyboard keyboard_;
+    ClickRun clickRun_;
+    WheelClicks vertical_;
+    WheelClicks horizontal_;
+
+    std::deque<Operation> waiting_;
+    /// Where the pointer will be once everything that waits is posted.
+    std::optional<Point> waitingLocation_;
+    /// The first half of a character that the next call completes.
+    char16_t highSurrogate_ = 0;
+    Timer retry_;
+    Timer rest_;
+    std::chrono::nanoseconds lastKeyboardUse_{0};
+};
+
+}  // namespace orbinex

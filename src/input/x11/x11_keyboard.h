@@ -1,0 +1,109 @@
+#pragma once
+
+#include <array>
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "base/signal.h"
+#include "input/event_flags.h"
+#include "input/x11/held_ledger.h"
+#include "input/x11/spare_key_pool.h"
+#include "input/x11/x11_connection.h"
+#include "input/x11/x11_keymap.h"
+
+struct _XkbStateRec;
+
+namespace orbinex {
+
+/// What the phone's command key is on this desktop.
+enum class CommandKey {
+    /// Control, so that the phone's shortcuts are the desktop's.
+    control,
+    super,
+};
+
+/// Presses keys of an X server so that programs see exactly the modifiers that are asked for, and types
+/// characters that no key gives. Modifiers that a person or somebody else holds, latches or locks are taken
+/// away just for the press. The modifiers that a press needs stay down as long as its key, since the server
+/// repeats a held key with the modifiers of the moment.
+class X11Keyboard {
+  public:
+    /// Both must outlive the keyboard.
+    X11Keyboard(X11Connection& connection, HeldLedger& ledger, CommandKey commandKey);
+
+    /// False for a key that this keyboard does not have. A key that is already down is pressed again, as by
+    /// its own repetition.
+    bool press(std::uint16_t macKeycode, EventFlags flags);
+    /// True when the key is up afterwards, also when it was not down.
+    bool release(std::uint16_t macKeycode);
+
+    enum class Typed {
+        done,
+        /// Every spare key is in use; try again at nextFree().
+        later,
+        /// No key can give this character.
+        impossible,
+    };
+    Typed type(char32_t scalar, std::chrono::nanoseconds now);
+    [[nodiscard]] std::optional<std::chrono::nanoseconds> nextFree() const { return pool_.nextFree(); }
+
+    /// Takes back the characters that were lent to spare keys.
+    void endLoans();
+    void releaseAll();
+
+  private:
+    /// A key that the phone holds.
+    struct Hold {
+        std::uint16_t macKeycode;
+        XKeycode keycode;
+    };
+    /// At most shift, control, super, alt and the third level at once.
+    struct ModifierKeys {
+        std::array<XKeycode, 5> keys{};
+        std::size_t count = 0;
+        void add(XKeycode keycode);
+        [[nodiscard]] std::span<const XKeycode> all() const { return std::span(keys).first(count); }
+    };
+
+    bool readKeymap();
+    void noteEvent(const _XEvent& event);
+    void findSpareKeys();
+    [[nodiscard]] _XkbStateRec state() const;
+    [[nodiscard]] XKeycode keyOf(std::uint16_t macKeycode, unsigned group) const;
+    [[nodiscard]] XKeycode modifierKeyOf(ModifierKey key, unsigned group) const;
+    [[nodiscard]] ModifierKeys keysFor(EventFlags flags, XKeycode keycode, unsigned group) const;
+    [[nodiscard]] XKeycode optionKeyFor(EventFlags flags, XKeycode keycode, unsigned group) const;
+
+    bool pressExactly(XKeycode keycode, const ModifierKeys& wanted, bool wantsNumLock,
+                      const _XkbStateRec& state);
+    void liftModifiers(XModifiers wanted, const _XkbStateRec& state, std::vector<XKeycode>& lifted);
+    bool borrowModifiers(const ModifierKeys& wanted, XModifiers present);
+    void setLocks(const _XkbStateRec& state, bool wantsNumLock);
+    void restoreLocks(const _XkbStateRec& state);
+    bool pressModifier(XKeycode keycode);
+    void send(XKeycode keycode, bool isDown);
+    void letGo(XKeycode keycode);
+    void returnBorrowed();
+    bool lendTo(const SpareKeyPool::Loan& loan, XKeysym keysym);
+    [[nodiscard]] bool isHeldByPhone(XKeycode keycode) const;
+
+    X11Connection& connection_;
+    HeldLedger& ledger_;
+    CommandKey commandKey_;
+    std::optional<X11Keymap> keymap_;
+    bool keymapIsStale_ = true;
+    /// Serial numbers of our latest keymap changes, to know their echoes from other people's changes.
+    std::array<unsigned long, 64> ownChanges_{};
+    std::size_t nextOwnChange_ = 0;
+    SpareKeyPool pool_;
+    std::vector<Hold> holds_;
+    /// Modifier keys that we hold for the sake of the key pressed last.
+    std::vector<XKeycode> borrowed_;
+    XKeycode borrower_ = 0;
+    Subscription events_;
+};
+
+}  // namespace orbinex
