@@ -10,6 +10,11 @@ if(ORBINEX_SANITIZE)
     -fsanitize=${ORBINEX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(orbinex_options INTERFACE -fsanitize=${ORBINEX_SANITIZE})
 endif()
+if(ORBINEX_BUILD_FUZZ)
+  # The code under test reports its coverage to the fuzzer, not only the fuzz target.
+  target_compile_options(orbinex_options INTERFACE -fsanitize=fuzzer-no-link)
+  target_link_options(orbinex_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
 
 # orbinex_library(NAME SOURCES file... [DEPENDS target...] [PRIVATE target...])
 # One folder of src/. DEPENDS are seen by users of its headers, PRIVATE are not.
