@@ -156,6 +156,8 @@ void CentralBLEManager::adoptConnection(const Peripheral& peripheral, Intent int
     pendingConnects_.erase(id);
     intentionalDisconnects_.erase(id);
     cancelPendingConnects();
+    // What was to be tried again has come; should it fail, that schedules anew and says so.
+    retryTimer_.cancel();
     session_ = Session{peripheral, intent, {}, {}, {}, {}, {}, {}};
 
     const auto record = trustStore_.deviceForPeripheral(id);
