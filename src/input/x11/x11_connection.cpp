@@ -14,23 +14,35 @@ namespace orbinex {
 
 namespace {
 
-/// The displays that are ours. Xlib has one error handler for the whole process, and other code in the
-/// process may have displays and a handler of its own.
+/// The displays that are ours. Xlib has one handler of each kind of error for the whole process, and other
+/// code in the process may have displays and handlers of its own.
 std::vector<Display*>& ownDisplays() {
     static std::vector<Display*> displays;
     return displays;
 }
 
-XErrorHandler previousHandler = nullptr;
+bool isOwn(Display* display) {
+    return std::ranges::find(ownDisplays(), display) != ownDisplays().end();
+}
+
+XErrorHandler previousErrorHandler = nullptr;
+XIOErrorHandler previousIOErrorHandler = nullptr;
 
 int handleError(Display* display, XErrorEvent* error) {
-    if (std::ranges::find(ownDisplays(), display) != ownDisplays().end()) return 0;
-    return previousHandler ? previousHandler(display, error) : 0;
+    return isOwn(display) || !previousErrorHandler ? 0 : previousErrorHandler(display, error);
+}
+
+/// Returning leaves the rest to the display's exit handler; the handler that Xlib starts with ends the
+/// process.
+int handleIOError(Display* display) {
+    return isOwn(display) || !previousIOErrorHandler ? 0 : previousIOErrorHandler(display);
 }
 
 void addOwnDisplay(Display* display) {
-    const XErrorHandler before = XSetErrorHandler(handleError);
-    if (before != handleError) previousHandler = before;
+    const XErrorHandler error = XSetErrorHandler(handleError);
+    if (error != handleError) previousErrorHandler = error;
+    const XIOErrorHandler ioError = XSetIOErrorHandler(handleIOError);
+    if (ioError != handleIOError) previousIOErrorHandler = ioError;
     ownDisplays().push_back(display);
 }
 

@@ -1,5 +1,6 @@
 #include "input/x11/x11_keyboard_layout_source.h"
 
+#include <bitset>
 #include <map>
 #include <string>
 #include <utility>
@@ -25,7 +26,12 @@ struct X11KeyboardLayoutSource::Keys {
     std::string name;
     std::map<std::pair<std::uint16_t, std::uint8_t>, KeyTranslation> translations;
 
+    /// Which keys of the server they are.
+    std::bitset<256> keycodes;
+
     [[nodiscard]] bool hasLatinLetters() const;
+    /// False for a change of other keys' meanings, such as the ones that are lent to characters in turn.
+    [[nodiscard]] bool isTouchedBy(const XkbMapNotifyEvent& change) const;
     static KeyboardLayout layout(const std::shared_ptr<const Keys>& keys);
     friend bool operator==(const Keys&, const Keys&) = default;
 };
@@ -37,6 +43,19 @@ bool X11KeyboardLayoutSource::Keys::hasLatinLetters() const {
         if (key.second == 0 && text.size() == 1 && text[0] >= 'a' && text[0] <= 'z') ++letters;
     }
     return letters >= 26;
+}
+
+bool X11KeyboardLayoutSource::Keys::isTouchedBy(const XkbMapNotifyEvent& change) const {
+    constexpr unsigned meanings = XkbKeySymsMask | XkbKeyActionsMask;
+    if ((change.changed & ~meanings) != 0) return true;
+    const auto touches = [this](int first, int count) {
+        for (int code = first; code < first + count; ++code) {
+            if (code >= 0 && code < 256 && keycodes.test(static_cast<std::size_t>(code))) return true;
+        }
+        return false;
+    };
+    return touches(change.first_key_sym, change.num_key_syms) ||
+           touches(change.first_key_act, change.num_key_acts);
 }
 
 KeyboardLayout X11KeyboardLayoutSource::Keys::layout(const std::shared_ptr<const Keys>& keys) {
@@ -61,9 +80,10 @@ X11KeyboardLayoutSource::X11KeyboardLayoutSource(X11Connection& connection, Main
 X11KeyboardLayoutSource::~X11KeyboardLayoutSource() = default;
 
 void X11KeyboardLayoutSource::noteEvent(const XEvent& event) {
-    if (event.type == connection_.xkbEventBase() && !settling_.isActive()) {
-        settling_ = queue_.after(settlingTime, [this] { lookAgain(); });
-    }
+    if (event.type != connection_.xkbEventBase() || settling_.isActive()) return;
+    const auto& xkb = reinterpret_cast<const XkbEvent&>(event);
+    if (xkb.any.xkb_type == XkbMapNotify && current_ && !current_->isTouchedBy(xkb.map)) return;
+    settling_ = queue_.after(settlingTime, [this] { lookAgain(); });
 }
 
 void X11KeyboardLayoutSource::lookAgain() {
@@ -88,10 +108,12 @@ std::shared_ptr<const X11KeyboardLayoutSource::Keys> X11KeyboardLayoutSource::re
     keys->name = keymap.groupName(group);
     const XKeycode thirdLevelKey = keymap.modifierKeycode(XK_ISO_Level3_Shift, group);
     const XModifiers thirdLevel = thirdLevelKey != 0 ? keymap.modifiersOf(thirdLevelKey) : XModifiers{0};
+    keys->keycodes.set(thirdLevelKey);
     for (const std::uint16_t code : candidateKeycodes) {
         const auto place = pcKey(code);
         const XKeycode keycode = place ? keymap.keycode(*place) : XKeycode{0};
         if (keycode == 0) continue;
+        keys->keycodes.set(keycode);
         for (const ModifierFlags modifiers : {ModifierFlags{}, ModifierFlags::shift, ModifierFlags::option,
                                               ModifierFlags::shift | ModifierFlags::option}) {
             XModifiers held = modifiers.contains(ModifierFlags::shift) ? xShiftModifier : XModifiers{0};
