@@ -18,6 +18,8 @@ void X11Input::settle() {
 
 void X11Test::SetUp() {
     client = std::make_unique<XClient>(server->display());
+    const auto [x, y] = client->pointer();
+    client->warpPointerBy(640 - x, 450 - y);
     selectLayout("us");
 }
 
