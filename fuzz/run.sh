@@ -34,7 +34,7 @@ for program in "$build"/bin/fuzz_*; do
         >"$work/$name.log" 2>&1; then
         echo "$name: $runs runs"
     else
-        cat "$work/$name.log" >&2
+        tail -n 40 "$work/$name.log" >&2
         echo "$name: FAILED" >&2
         failed="$failed $name"
     fi

@@ -64,6 +64,8 @@ std::optional<double> parseDecimal(std::string_view text) {
     // from_chars takes a minus of its own and, after "0x", the names of infinity and not-a-number.
     if (text.front() == '-') return std::nullopt;
     if (hexadecimal && text.front() != '.' && !isHexDigit(text.front())) return std::nullopt;
+    // libstdc++ 12 takes two signs in a hexadecimal exponent.
+    if (text.find("+-") != std::string_view::npos) return std::nullopt;
 
     double magnitude = 0;
     const char* const end = text.data() + text.size();

@@ -80,6 +80,8 @@ TEST(Decimals, takeEveryFormThatAProgramWrites) {
         {"0x", std::nullopt},
         {"0xinf", std::nullopt},
         {"0x-1", std::nullopt},
+        {"0x1p+-3", std::nullopt},
+        {"1e+-3", std::nullopt},
         {"infinit", std::nullopt},
         {"1.5\0"sv, std::nullopt},
         {"1\0"

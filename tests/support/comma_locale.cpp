@@ -7,9 +7,17 @@
 #include <sstream>
 #include <stdexcept>
 
+#ifdef __SANITIZE_ADDRESS__
+#include <sanitizer/lsan_interface.h>
+#endif
+
 namespace orbinex::test {
 
 CommaLocale::CommaLocale() : previousC_(std::setlocale(LC_ALL, nullptr)) {
+#ifdef __SANITIZE_ADDRESS__
+    // glibc does not free its copy of LOCPATH.
+    const __lsan::ScopedDisabler disabler;
+#endif
     ::setenv("LOCPATH", ORBINEX_TEST_LOCALES, 1);
     previous_ = std::locale::global(std::locale("de_DE.UTF-8"));  // Sets the C locale too.
 
