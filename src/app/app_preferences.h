@@ -2,14 +2,9 @@
 
 #include "base/published.h"
 #include "base/user_defaults.h"
+#include "input/command_key.h"
 
 namespace orbinex {
-
-/// Which physical key stands for the phone's Command key.
-enum class CommandKey {
-    control,  ///< so that ⌘C copies on a Linux desktop
-    super,
-};
 
 /// What the user has set, read once and stored at every change.
 class AppPreferences {

@@ -8,22 +8,14 @@
 #include <vector>
 
 #include "base/signal.h"
+#include "input/command_key.h"
 #include "input/event_flags.h"
 #include "input/x11/held_ledger.h"
 #include "input/x11/spare_key_pool.h"
 #include "input/x11/x11_connection.h"
 #include "input/x11/x11_keymap.h"
 
-struct _XkbStateRec;
-
 namespace orbinex {
-
-/// What the phone's command key is on this desktop.
-enum class CommandKey {
-    /// Control, so that the phone's shortcuts are the desktop's.
-    control,
-    super,
-};
 
 /// Presses keys of an X server so that programs see exactly the modifiers that are asked for, and types
 /// characters that no key gives. Modifiers that a person or somebody else holds, latches or locks are taken
