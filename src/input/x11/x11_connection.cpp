@@ -5,6 +5,7 @@
 #include <vector>
 
 #include <X11/XKBlib.h>
+#include <X11/Xlib-xcb.h>
 #include <X11/Xlib.h>
 #include <X11/extensions/XInput2.h>
 #include <X11/extensions/XTest.h>
@@ -57,7 +58,10 @@ std::unique_ptr<X11Connection> X11Connection::open(const std::string& displayNam
 }
 
 X11Connection::X11Connection(Display* display, std::unique_ptr<State> state)
-    : display_(display), state_(std::move(state)), root_(DefaultRootWindow(display)) {
+    : display_(display),
+      xcb_(XGetXCBConnection(display)),
+      state_(std::move(state)),
+      root_(DefaultRootWindow(display)) {
     // Without this Xlib would end the process when the server goes away.
     XSetIOErrorExitHandler(
         display_, [](Display*, void* data) { static_cast<State*>(data)->isAlive = false; }, state_.get());
@@ -87,6 +91,10 @@ bool X11Connection::hasExtensions() {
     major = 2;
     minor = 2;
     return XIQueryVersion(display_, &major, &minor) == Success && std::pair(major, minor) >= std::pair(2, 2);
+}
+
+bool X11Connection::isAlive() const {
+    return state_->isAlive && xcb_connection_has_error(xcb_) == 0;
 }
 
 int X11Connection::fd() const {

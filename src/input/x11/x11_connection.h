@@ -6,9 +6,7 @@
 #include <string>
 
 #include "base/signal.h"
-
-struct _XDisplay;
-union _XEvent;
+#include "input/x11/xlib_types.h"
 
 namespace orbinex {
 
@@ -31,8 +29,9 @@ class X11Connection {
     void processEvents();
     /// The same for events that were read along with replies; no system call.
     void processQueuedEvents();
-    /// False once the server has gone.
-    [[nodiscard]] bool isAlive() const { return state_->isAlive; }
+    /// False once the server has gone. Ask before every use of the display: Xlib's requests are not safe
+    /// then.
+    [[nodiscard]] bool isAlive() const;
     /// Sends what is buffered; false when the server has gone.
     bool flush();
 
@@ -40,6 +39,7 @@ class X11Connection {
     [[nodiscard]] Subscription onEvent(Signal<_XEvent*>::Observer observer);
 
     [[nodiscard]] _XDisplay* display() const { return display_; }
+    [[nodiscard]] xcb_connection_t* xcb() const { return xcb_; }
     [[nodiscard]] unsigned long root() const { return root_; }
     /// The number that events of these extensions count from, or the extension's opcode.
     [[nodiscard]] int xkbEventBase() const { return xkbEventBase_; }
@@ -54,6 +54,7 @@ class X11Connection {
     bool hasExtensions();
 
     _XDisplay* display_;
+    xcb_connection_t* xcb_;
     std::unique_ptr<State> state_;
     unsigned long root_ = 0;
     int xkbEventBase_ = 0;

@@ -39,7 +39,7 @@ X11EventPoster::X11EventPoster(X11Connection& connection, MainQueue& queue, Opti
       scrollSink_(options.scrollSink),
       ledger_(connection),
       displays_(connection),
-      pointer_(connection),
+      pointer_(connection, displays_, queue),
       keyboard_(connection, ledger_, options.commandKey) {}
 
 X11EventPoster::~X11EventPoster() {
@@ -118,10 +118,7 @@ void X11EventPoster::continueWaiting() {
 }
 
 X11EventPoster::Outcome X11EventPoster::perform(const MouseEvent& event) {
-    if (isMotion(event)) {
-        pointer_.moveTo(event.location);
-        return Outcome::done;
-    }
+    if (isMotion(event)) return pointer_.moveTo(event.location) ? Outcome::done : Outcome::failed;
     const unsigned button = event.button == MouseButton::left ? leftButton : rightButton;
     if (isRelease(event)) {
         releaseButton(button);

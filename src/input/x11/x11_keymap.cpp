@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <bit>
 
-#include <X11/Xlib-xcb.h>
 #include <X11/Xlib.h>
 #include <X11/keysym.h>
 #include <xkbcommon/xkbcommon-x11.h>
@@ -39,7 +38,7 @@ XKeysym keysymOfScalar(char32_t scalar) {
 
 std::optional<X11Keymap> X11Keymap::read(X11Connection& connection) {
     if (!connection.isAlive()) return std::nullopt;
-    xcb_connection_t* const xcb = XGetXCBConnection(connection.display());
+    xcb_connection_t* const xcb = connection.xcb();
     if (!xkb_x11_setup_xkb_extension(xcb, XKB_X11_MIN_MAJOR_XKB_VERSION, XKB_X11_MIN_MINOR_XKB_VERSION,
                                      XKB_X11_SETUP_XKB_EXTENSION_NO_FLAGS, nullptr, nullptr, nullptr,
                                      nullptr)) {
