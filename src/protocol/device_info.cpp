@@ -34,4 +34,6 @@ Bytes DeviceInfo::encode() const {
     return value;
 }
 
+std::string deviceToken(const UUID& deviceID) { return deviceID.text().substr(0, 6); }
+
 }  // namespace orbinex

@@ -37,4 +37,8 @@ struct DeviceInfo {
     friend bool operator==(const DeviceInfo&, const DeviceInfo&) = default;
 };
 
+/// What an iPhone advertises of its device id, and is known by across addresses: the first three bytes as six
+/// upper-case hex digits.
+std::string deviceToken(const UUID& deviceID);
+
 }  // namespace orbinex

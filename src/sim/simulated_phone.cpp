@@ -5,7 +5,6 @@
 
 #include "protocol/gatt.h"
 #include "sim/simulated_radio.h"
-#include "trust/trusted_device.h"
 
 namespace orbinex {
 

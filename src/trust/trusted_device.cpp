@@ -55,12 +55,6 @@ double seconds(Date date) {
 
 }  // namespace
 
-std::string deviceToken(const UUID& deviceID) {
-    std::string token = deviceID.text();
-    token.resize(6);
-    return token;
-}
-
 std::optional<std::string> encodeTrustedDevices(const std::vector<TrustedDevice>& devices) {
     json array = json::array();
     for (const auto& device : devices) {

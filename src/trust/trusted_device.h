@@ -28,9 +28,6 @@ struct TrustedDevice {
     friend bool operator==(const TrustedDevice&, const TrustedDevice&) = default;
 };
 
-/// The token of a device id: its first three bytes as six upper-case hex digits.
-std::string deviceToken(const UUID& deviceID);
-
 /// The stored form: UTF-8 JSON, an array of objects in the given order. Dates are seconds since 2001-01-01
 /// UTC; a missing optional field is left out. Nothing when a record cannot be written (a date that is not
 /// finite, a text that is not UTF-8).

@@ -20,7 +20,7 @@ Date at(double seconds) {
 
 TrustedDevice record(const UUID& id, const std::string& name, Date added, std::optional<Date> connected = {},
                      std::optional<UUID> peripheralID = {}) {
-    return {id, name, deviceToken(id), peripheralID, added, connected};
+    return {id, name, id.text().substr(0, 6), peripheralID, added, connected};
 }
 
 std::vector<std::string> names(const TrustedDeviceStore& store) {

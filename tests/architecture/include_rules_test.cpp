@@ -1,0 +1,139 @@
+// Who may include whom. The picture of these rules is in docs/architecture.md.
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+using Names = std::set<std::string>;
+
+struct Rule {
+    /// Folders of src/ whose headers may be included beside the folder's own.
+    Names folders;
+    /// Libraries, by the first part of the header's name, beside the C++ standard library.
+    Names libraries;
+};
+
+/// Folders that know no operating system, no toolkit and no clock.
+const std::map<std::string, Rule> logic{
+    {"base", {{}, {"utf8proc.h"}}},
+    {"protocol", {{"base"}, {"nlohmann"}}},
+    {"trust", {{"base"}, {"nlohmann"}}},
+    {"input", {{"protocol", "base"}, {}}},
+    {"audio", {{"protocol", "base"}, {}}},
+    {"editor_bridge", {{"audio", "protocol", "base"}, {}}},
+    {"link", {{"editor_bridge", "trust", "protocol", "base"}, {}}},
+    {"app", {{"link", "editor_bridge", "input", "trust", "protocol", "base"}, {}}},
+    {"sim", {{"link", "editor_bridge", "audio", "input", "protocol", "base"}, {}}},
+};
+
+/// Folders of adapters, which may include any library, and of the project the port's folder and what that
+/// knows.
+const std::map<std::string, Names> adapters{
+    {"input/x11", {"input", "protocol", "base"}},
+    {"app/linux", {"app", "link", "base"}},
+};
+
+/// The one file that puts everything together.
+const std::string compositionRoot = "app/linux/main.cpp";
+
+std::string folderOf(const std::string& path) {
+    return fs::path(path).parent_path().generic_string();
+}
+std::string firstPart(const std::string& path) {
+    return path.substr(0, path.find('/'));
+}
+
+bool isStandardHeader(const std::string& header) {
+    return std::ranges::all_of(
+        header, [](char c) { return (c >= 'a' && c <= 'z') || c == '_' || (c >= '0' && c <= '9'); });
+}
+
+/// The complaint about one include of a file, or nothing. Both paths are relative to src/.
+std::string complaint(const std::string& file, const std::string& header, bool isOurs) {
+    const std::string folder = folderOf(file);
+    if (file == compositionRoot) return {};
+    const auto adapter = adapters.find(folder);
+    const auto rule = logic.find(folder);
+    if (adapter == adapters.end() && rule == logic.end()) return file + ": a folder without a rule";
+    if (!isOurs) {
+        const bool isAllowed = adapter != adapters.end() || isStandardHeader(header) ||
+                               rule->second.libraries.contains(firstPart(header));
+        return isAllowed ? "" : file + " includes <" + header + ">";
+    }
+    const std::string from = folderOf(header);
+    const Names& allowed = adapter != adapters.end() ? adapter->second : rule->second.folders;
+    return from == folder || allowed.contains(from) ? "" : file + " includes \"" + header + "\"";
+}
+
+std::vector<std::string> complaints(const std::string& file, std::istream& text) {
+    std::vector<std::string> result;
+    for (std::string line; std::getline(text, line);) {
+        if (!line.starts_with("#include ")) continue;
+        const bool isOurs = line[9] == '"';
+        const auto end = line.find(isOurs ? '"' : '>', 10);
+        if (auto found = complaint(file, line.substr(10, end - 10), isOurs); !found.empty())
+            result.push_back(found);
+    }
+    return result;
+}
+
+TEST(IncludeRules, holdInEveryFile) {
+    std::vector<std::string> found;
+    int files = 0;
+    const fs::path root = ORBINEX_SOURCE_FOLDER;
+    for (const auto& entry : fs::recursive_directory_iterator(root)) {
+        if (entry.path().extension() != ".h" && entry.path().extension() != ".cpp") continue;
+        std::ifstream text(entry.path());
+        std::ranges::move(complaints(entry.path().lexically_relative(root).generic_string(), text),
+                          std::back_inserter(found));
+        ++files;
+    }
+    EXPECT_GT(files, 50) << "the sources were not found";
+    for (const auto& line : found) ADD_FAILURE() << line;
+}
+
+TEST(IncludeRules, areBrokenByWhatTheyForbid) {
+    const struct {
+        const char* file;
+        const char* line;
+        bool isAllowed;
+    } rows[] = {
+        {"link/session.cpp", "#include \"protocol/gatt.h\"", true},
+        {"link/session.cpp", "#include \"link/link_texts.h\"", true},
+        {"link/session.cpp", "#include \"input/event_poster.h\"", false},
+        {"link/session.cpp", "#include \"app/app_coordinator.h\"", false},
+        {"link/session.cpp", "#include <QObject>", false},
+        {"link/session.cpp", "#include <unistd.h>", false},
+        {"link/session.cpp", "#include <vector>", true},
+        {"protocol/gatt.h", "#include \"link/link_model.h\"", false},
+        {"protocol/x.cpp", "#include <nlohmann/json.hpp>", true},
+        {"link/x.cpp", "#include <nlohmann/json.hpp>", false},
+        {"base/x.h", "#include \"protocol/gatt.h\"", false},
+        {"trust/x.h", "#include \"protocol/gatt.h\"", false},
+        {"input/x.cpp", "#include <X11/Xlib.h>", false},
+        {"input/x.cpp", "#include \"input/x11/x11_connection.h\"", false},
+        {"input/x11/x.cpp", "#include <X11/Xlib.h>", true},
+        {"input/x11/x.cpp", "#include \"link/link_model.h\"", false},
+        {"app/x.cpp", "#include \"app/linux/fd_watch.h\"", false},
+        {"app/linux/x.cpp", "#include \"input/x11/x11_connection.h\"", false},
+        {"app/linux/main.cpp", "#include \"input/x11/x11_connection.h\"", true},
+        {"sim/x.cpp", "#include \"app/app_coordinator.h\"", false},
+        {"elsewhere/x.cpp", "#include <vector>", false},
+    };
+    for (const auto& row : rows) {
+        std::istringstream text(std::string("#pragma once\n") + row.line + "\n");
+        EXPECT_EQ(complaints(row.file, text).empty(), row.isAllowed) << row.file << " " << row.line;
+    }
+}
+
+}  // namespace
