@@ -7,8 +7,8 @@ namespace orbinex {
 namespace {
 
 /// By macOS virtual key code; an empty name where there is none.
-constexpr std::array<PCKey, 128> keys = [] {
-    std::array<PCKey, 128> k{};
+constexpr std::array<PCKey, macKeycodeLimit> keys = [] {
+    std::array<PCKey, macKeycodeLimit> k{};
     // Letters, digits and signs, as the ANSI keyboard places them.
     k[0] = {"AC01", 30};
     k[1] = {"AC02", 31};

@@ -15,6 +15,9 @@ struct PCKey {
     std::uint8_t evdevCode = 0;
 };
 
+/// All macOS virtual key codes that have a key are below this.
+inline constexpr std::uint16_t macKeycodeLimit = 128;
+
 /// Nothing for codes without a key there, such as fn (63), which PC keyboards keep to themselves.
 std::optional<PCKey> pcKey(std::uint16_t macKeycode);
 

@@ -7,7 +7,6 @@
 #include <X11/XKBlib.h>
 #include <X11/Xlib-xcb.h>
 #include <X11/Xlib.h>
-#include <X11/extensions/XInput2.h>
 #include <X11/extensions/XTest.h>
 #include <X11/extensions/Xrandr.h>
 
@@ -85,12 +84,7 @@ bool X11Connection::hasExtensions() {
     if (!XkbQueryExtension(display_, &opcode, &xkbEventBase_, &error, &major, &minor)) return false;
 
     if (!XRRQueryExtension(display_, &randrEventBase_, &error)) return false;
-    if (!XRRQueryVersion(display_, &major, &minor) || std::pair(major, minor) < std::pair(1, 5)) return false;
-
-    if (!XQueryExtension(display_, "XInputExtension", &xinputOpcode_, &event, &error)) return false;
-    major = 2;
-    minor = 2;
-    return XIQueryVersion(display_, &major, &minor) == Success && std::pair(major, minor) >= std::pair(2, 2);
+    return XRRQueryVersion(display_, &major, &minor) && std::pair(major, minor) >= std::pair(1, 5);
 }
 
 bool X11Connection::isAlive() const {
@@ -102,18 +96,10 @@ int X11Connection::fd() const {
 }
 
 void X11Connection::processEvents() {
-    if (!isAlive()) return;
-    XEventsQueued(display_, QueuedAfterReading);
-    processQueuedEvents();
-}
-
-void X11Connection::processQueuedEvents() {
-    while (isAlive() && XEventsQueued(display_, QueuedAlready) > 0) {
+    while (isAlive() && XEventsQueued(display_, QueuedAfterReading) > 0) {
         XEvent event;
         XNextEvent(display_, &event);
-        const bool hasData = event.type == GenericEvent && XGetEventData(display_, &event.xcookie) != False;
         events_.emit(&event);
-        if (hasData) XFreeEventData(display_, &event.xcookie);
     }
 }
 

@@ -17,7 +17,7 @@ namespace orbinex {
 class X11Connection {
   public:
     /// Connects to the display (empty: the one in the environment). Nothing when that fails or the server
-    /// lacks an extension that input needs (XTEST, XKEYBOARD, RANDR 1.5, XInput 2.2).
+    /// lacks an extension that input needs (XTEST, XKEYBOARD, RANDR 1.5).
     static std::unique_ptr<X11Connection> open(const std::string& displayName = {});
     X11Connection(const X11Connection&) = delete;
     X11Connection& operator=(const X11Connection&) = delete;
@@ -25,26 +25,23 @@ class X11Connection {
 
     /// Readable when processEvents() has something to do.
     [[nodiscard]] int fd() const;
-    /// Reads what has arrived, without waiting, and tells the observers.
+    /// Reads what has arrived, without waiting, and tells the observers. To be called too after waiting for a
+    /// reply, for events that came along with it do not make fd() readable again.
     void processEvents();
-    /// The same for events that were read along with replies; no system call.
-    void processQueuedEvents();
     /// False once the server has gone. Ask before every use of the display: Xlib's requests are not safe
     /// then.
     [[nodiscard]] bool isAlive() const;
     /// Sends what is buffered; false when the server has gone.
     bool flush();
 
-    /// Cookie data of generic events is loaded during the call.
     [[nodiscard]] Subscription onEvent(Signal<_XEvent*>::Observer observer);
 
     [[nodiscard]] _XDisplay* display() const { return display_; }
     [[nodiscard]] xcb_connection_t* xcb() const { return xcb_; }
     [[nodiscard]] unsigned long root() const { return root_; }
-    /// The number that events of these extensions count from, or the extension's opcode.
+    /// The number that events of these extensions count from.
     [[nodiscard]] int xkbEventBase() const { return xkbEventBase_; }
     [[nodiscard]] int randrEventBase() const { return randrEventBase_; }
-    [[nodiscard]] int xinputOpcode() const { return xinputOpcode_; }
 
   private:
     struct State {
@@ -59,7 +56,6 @@ class X11Connection {
     unsigned long root_ = 0;
     int xkbEventBase_ = 0;
     int randrEventBase_ = 0;
-    int xinputOpcode_ = 0;
     Signal<_XEvent*> events_;
 };
 

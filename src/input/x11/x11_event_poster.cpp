@@ -86,7 +86,9 @@ bool X11EventPoster::post(const Operation& operation) {
     if (!waiting_.empty()) return enqueue(operation);
     const Outcome outcome = std::visit([this](const auto& event) { return perform(event); }, operation);
     if (outcome == Outcome::later) return enqueue(operation);
-    return outcome == Outcome::done && connection_.flush();
+    const bool isSent = connection_.flush();
+    connection_.processEvents();
+    return outcome == Outcome::done && isSent;
 }
 
 bool X11EventPoster::enqueue(const Operation& operation) {
@@ -108,6 +110,7 @@ void X11EventPoster::continueWaiting() {
         waiting_.pop_front();
     }
     connection_.flush();
+    connection_.processEvents();
     if (waiting_.empty()) {
         waitingLocation_.reset();
         return;

@@ -57,14 +57,10 @@ bool X11Keyboard::readKeymap() {
 }
 
 void X11Keyboard::findSpareKeys() {
-    std::array<bool, 256> hasPlace{};
-    for (std::uint16_t code = 0; code < 128; ++code) {
-        if (const auto key = pcKey(code)) hasPlace[keymap_->keycode(*key)] = true;
-    }
     std::vector<XKeycode> spare;
     for (unsigned code = keymap_->firstKeycode(); code <= keymap_->lastKeycode(); ++code) {
         const auto keycode = static_cast<XKeycode>(code);
-        if (hasPlace[keycode] || keymap_->modifiersOf(keycode) != 0) continue;
+        if (keymap_->hasPlace(keycode) || keymap_->modifiersOf(keycode) != 0) continue;
         const auto keysym = keymap_->onlyKeysym(keycode);
         const auto keys = pool_.keys();
         const auto known = std::ranges::find(keys, keycode, &SpareKeyPool::Key::keycode);
@@ -145,7 +141,8 @@ bool X11Keyboard::press(std::uint16_t macKeycode, EventFlags flags) {
     const XKeycode keycode = keyOf(macKeycode, now.group);
     if (keycode == 0) return false;
 
-    const bool isModifier = modifierKey(macKeycode).has_value();
+    // Lock keys are among them: what they do must stay.
+    const bool isModifier = keymap_->modifiersOf(keycode) != 0;
     if (isModifier) {
         const auto lent = std::ranges::find(borrowed_, keycode);
         if (lent != borrowed_.end()) {

@@ -73,7 +73,8 @@ class X11Keyboard {
                       const _XkbStateRec& state);
     void liftModifiers(XModifiers wanted, const _XkbStateRec& state, std::vector<XKeycode>& lifted);
     bool borrowModifiers(const ModifierKeys& wanted, XModifiers present);
-    void setLocks(const _XkbStateRec& state, bool wantsNumLock);
+    /// True when restoreLocks() has something to do.
+    bool setLocks(const _XkbStateRec& state, bool wantsNumLock);
     void restoreLocks(const _XkbStateRec& state);
     bool pressModifier(XKeycode keycode);
     void send(XKeycode keycode, bool isDown);

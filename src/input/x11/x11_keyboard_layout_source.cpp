@@ -88,6 +88,7 @@ void X11KeyboardLayoutSource::noteEvent(const XEvent& event) {
 
 void X11KeyboardLayoutSource::lookAgain() {
     auto keys = readCurrent();
+    connection_.processEvents();
     const bool isSame = keys && current_ ? *keys == *current_ : keys == current_;
     if (isSame) return;
     current_ = std::move(keys);

@@ -51,7 +51,7 @@ bool X11Keyboard::pressExactly(XKeycode keycode, const ModifierKeys& wanted, boo
 
     std::vector<XKeycode> lifted;
     liftModifiers(mask, state, lifted);
-    setLocks(state, wantsNumLock);
+    const bool hasChangedLocks = setLocks(state, wantsNumLock);
     const bool canPress =
         borrowModifiers(wanted, state.base_mods) && ledger_.hold({HeldItem::Kind::key, keycode, 0});
     if (canPress) {
@@ -60,7 +60,7 @@ bool X11Keyboard::pressExactly(XKeycode keycode, const ModifierKeys& wanted, boo
     } else {
         returnBorrowed();
     }
-    restoreLocks(state);
+    if (hasChangedLocks) restoreLocks(state);
     for (const XKeycode key : lifted) {
         send(key, false);
         send(key, true);
@@ -97,12 +97,13 @@ bool X11Keyboard::borrowModifiers(const ModifierKeys& wanted, XModifiers present
     return true;
 }
 
-void X11Keyboard::setLocks(const XkbStateRec& state, bool wantsNumLock) {
+bool X11Keyboard::setLocks(const XkbStateRec& state, bool wantsNumLock) {
     Display* const display = connection_.display();
     if (state.latched_mods != 0) XkbLatchModifiers(display, XkbUseCoreKbd, allModifiers, 0);
     const unsigned kept = state.locked_mods & keymap_->numLock();
     const unsigned locks = wantsNumLock ? keymap_->numLock() : kept;
     if (locks != state.locked_mods) XkbLockModifiers(display, XkbUseCoreKbd, allModifiers, locks);
+    return state.latched_mods != 0 || locks != state.locked_mods;
 }
 
 void X11Keyboard::restoreLocks(const XkbStateRec& state) {

@@ -57,6 +57,9 @@ std::optional<X11Keymap> X11Keymap::read(X11Connection& connection) {
     result.state_.reset(xkb_state_new(result.keymap_.get()), xkb_state_unref);
     if (!result.state_) return std::nullopt;
     result.readModifierMap(connection);
+    for (std::uint16_t code = 0; code < macKeycodeLimit; ++code) {
+        if (const auto key = pcKey(code)) result.places_.set(result.keycode(*key));
+    }
     return result;
 }
 
@@ -129,8 +132,9 @@ X11Keymap::CharacterKeys X11Keymap::characterKeys(unsigned group) const {
             const auto keycode = static_cast<XKeycode>(code);
             const XKeysym symbol = keysym(keycode, group, modifiers);
             const char32_t scalar = xkb_keysym_to_utf32(symbol);
-            // A key with one symbol may be a spare one that somebody borrows at present.
-            const bool isLasting = symbol < unicodeKeysyms || !onlyKeysym(keycode);
+            // A key without a place that has just one symbol may be a spare one that somebody borrows at
+            // present.
+            const bool isLasting = hasPlace(keycode) || !onlyKeysym(keycode);
             if (scalar == 0 || isKeypadKeysym(symbol) || !isLasting) continue;
             keys.try_emplace(scalar, CharacterKey{keycode, modifiers});
         }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <bitset>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -37,6 +38,8 @@ class X11Keymap {
 
     /// The key at this place, by its name or, where the names are unknown, by its number.
     [[nodiscard]] XKeycode keycode(const PCKey& key) const;
+    /// True for the keys that some key of the phone stands for.
+    [[nodiscard]] bool hasPlace(XKeycode keycode) const { return places_.test(keycode); }
     /// A key that without modifiers gives this keysym and acts as a modifier.
     [[nodiscard]] XKeycode modifierKeycode(XKeysym keysym, unsigned group) const;
     /// The modifiers that the key switches on while it is down.
@@ -77,6 +80,7 @@ class X11Keymap {
     std::shared_ptr<xkb_state> state_;
     std::array<XModifiers, 256> modifierMap_{};
     XModifiers numLock_ = 0;
+    std::bitset<256> places_;
     XKeycode firstKeycode_ = 8;
     XKeycode lastKeycode_ = 255;
     /// By group; filled when a group is first asked for.

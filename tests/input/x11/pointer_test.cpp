@@ -105,6 +105,19 @@ TEST_F(X11PointerTest, movesStopAtTheEdgesAndComeBackAtOnce) {
     EXPECT_EQ(pointer(), std::pair(640, 450));
 }
 
+TEST_F(X11PointerTest, anEdgeThatSomebodyElseBroughtNearHolds) {
+    X11Input input(server->display());
+    move(input, 1, 0);
+    client->warpPointerBy(1270 - pointer().first, 0);
+    move(input, 100, 0);
+    input.sync();
+    EXPECT_EQ(pointer().first, 1279);
+    move(input, 100, 0);
+    move(input, -1, 0);
+    input.sync();
+    EXPECT_EQ(pointer().first, 1278);
+}
+
 TEST_F(X11PointerTest, monitorsAreFollowedAsTheyComeAndGo) {
     X11Input input(server->display());
     EXPECT_EQ(input.poster.mainDisplay(), (Rect{0, 0, 1280, 900}));

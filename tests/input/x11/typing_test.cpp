@@ -144,6 +144,19 @@ TEST_F(X11TypingTest, spareKeysAreGivenBackAfterARest) {
     EXPECT_EQ(input.queue.pendingTimers(), 0U);
 }
 
+TEST_F(X11TypingTest, borrowedKeysAreNotTakenForTheLayoutsOwn) {
+    X11Input input(server->display());
+    input.manager.handle({DecodedPacket::Text{"éж", none, std::nullopt}});
+    input.sync();
+    // Another program changes the map while the keys are lent, and it is read again.
+    ASSERT_TRUE(server->run("xmodmap -e 'keycode 38 = a A'"));
+    client->handleEvents();
+    EXPECT_EQ(client->takeText(), "éж");
+    EXPECT_EQ(typed(input, "aé"), "aé");
+    EXPECT_EQ(typed(input, "éж"), "éж");
+    selectLayout("us");
+}
+
 TEST_F(X11TypingTest, ownSpareKeysDoNotRebuildTheLayout) {
     X11Input input(server->display());
     int changes = 0;
@@ -305,6 +318,19 @@ TEST_F(X11TypingTest, theNumberPadGivesDigitsWhateverNumLockSays) {
     }
     input.sync();
     EXPECT_EQ(client->takeText(), "0159.+");
+}
+
+TEST_F(X11TypingTest, theCapsLockKeyLocks) {
+    X11Input input(server->display());
+    const auto tap = [&] {
+        input.manager.handle({DecodedPacket::KeyStroke{57, none, KeyState::pressed}});
+        input.manager.handle({DecodedPacket::KeyStroke{57, none, KeyState::released}});
+        input.sync();
+    };
+    tap();
+    EXPECT_EQ(client->modifierState(), capsLock << 16U);
+    tap();
+    EXPECT_EQ(client->modifierState(), 0U);
 }
 
 TEST_F(X11TypingTest, keysThatDoNotExistAreRefused) {

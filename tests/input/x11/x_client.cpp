@@ -25,6 +25,24 @@ constexpr int doubleClickDistance = 5;
 
 }  // namespace
 
+/// The input method that is built into Xlib: it applies dead keys and compose sequences.
+struct XClient::Compose {
+    Compose(Display* display, Window window) : method(XOpenIM(display, nullptr, nullptr, nullptr)) {
+        if (!method) throw std::runtime_error("no input method");
+        context = XCreateIC(method, XNInputStyle, XIMPreeditNothing | XIMStatusNothing, XNClientWindow,
+                            window, nullptr);
+    }
+    Compose(const Compose&) = delete;
+    Compose& operator=(const Compose&) = delete;
+    ~Compose() {
+        XDestroyIC(context);
+        XCloseIM(method);
+    }
+
+    XIM method;
+    XIC context;
+};
+
 XClient::XClient(const std::string& display) : display_(XOpenDisplay(display.c_str())) {
     if (!display_) throw std::runtime_error("cannot connect to " + display);
     std::setlocale(LC_CTYPE, "C.UTF-8");
@@ -44,18 +62,12 @@ XClient::XClient(const std::string& display) : display_(XOpenDisplay(display.c_s
          XWindowEvent(display_, window_, StructureNotifyMask, &event), event.type != MapNotify;) {
     }
     XSetInputFocus(display_, window_, RevertToParent, CurrentTime);
-    inputMethod_ = XOpenIM(display_, nullptr, nullptr, nullptr);
-    if (inputMethod_) {
-        inputContext_ = XCreateIC(inputMethod_, XNInputStyle, XIMPreeditNothing | XIMStatusNothing,
-                                  XNClientWindow, window_, nullptr);
-    }
-    if (!inputContext_) throw std::runtime_error("no input method");
+    compose_ = std::make_unique<Compose>(display_, window_);
     XSync(display_, False);
 }
 
 XClient::~XClient() {
-    XDestroyIC(inputContext_);
-    XCloseIM(inputMethod_);
+    compose_.reset();
     XCloseDisplay(display_);
 }
 
@@ -78,7 +90,7 @@ void XClient::handleEvents() {
                 if (event.type == KeyPress) {
                     std::array<char, 64> buffer{};
                     KeySym keysym = NoSymbol;
-                    const int size = Xutf8LookupString(inputContext_, &event.xkey, buffer.data(),
+                    const int size = Xutf8LookupString(compose_->context, &event.xkey, buffer.data(),
                                                        static_cast<int>(buffer.size()), &keysym, nullptr);
                     seen.text = std::string(buffer.data(), static_cast<std::size_t>(size));
                     seen.keysym = keysym;

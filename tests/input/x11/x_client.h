@@ -1,13 +1,11 @@
 #pragma once
 
-#include <cstdint>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
-struct _XDisplay;
-struct _XIM;
-struct _XIC;
+#include "input/x11/xlib_types.h"
 
 namespace orbinex::test {
 
@@ -75,8 +73,8 @@ class XClient {
 
     _XDisplay* display_;
     unsigned long window_ = 0;
-    _XIM* inputMethod_ = nullptr;
-    _XIC* inputContext_ = nullptr;
+    struct Compose;
+    std::unique_ptr<Compose> compose_;
     std::vector<Event> events_;
     Event lastPress_;
     int clickCount_ = 0;
