@@ -145,7 +145,9 @@ TEST_F(InputInjectionManagerTest, textGoesToKeysWhereTheLayoutHasThemAndIsTypedW
     const EventFlags control = EventFlags::control;
     const EventFlags command = EventFlags::command;
     const EventFlags shift = EventFlags::shift;
-    const auto typed = [](std::u16string text) { return Events{Unicode{text, true}, Unicode{text, false}}; };
+    const auto typed = [](const std::u16string& text) {
+        return Events{Unicode{text, true}, Unicode{text, false}};
+    };
     struct Case {
         std::string text;
         ModifierFlags modifiers;

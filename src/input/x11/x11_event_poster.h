@@ -52,7 +52,8 @@ class X11EventPoster final : public EventPoster {
     bool postUnicode(std::u16string_view units, bool isDown) override;
 
     /// Drops what waits, lets go of every key and button and gives the keyboard map back as it was. For the
-    /// end of the program, also by a signal.
+    /// end of the program, also by a signal. A program that has not yet handled the last characters of spare
+    /// keys may miss them.
     void releaseEverything();
 
   private:

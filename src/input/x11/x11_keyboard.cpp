@@ -141,6 +141,10 @@ bool X11Keyboard::press(std::uint16_t macKeycode, EventFlags flags) {
     const XKeycode keycode = keyOf(macKeycode, now.group);
     if (keycode == 0) return false;
 
+    const auto earlier = std::ranges::find(holds_, macKeycode, &Hold::macKeycode);
+    // The keyboard has changed since: what was pressed then must not stay down.
+    if (earlier != holds_.end() && earlier->keycode != keycode) release(macKeycode);
+
     // Lock keys are among them: what they do must stay.
     const bool isModifier = keymap_->modifiersOf(keycode) != 0;
     if (isModifier) {

@@ -320,6 +320,23 @@ TEST_F(X11TypingTest, theNumberPadGivesDigitsWhateverNumLockSays) {
     EXPECT_EQ(client->takeText(), "0159.+");
 }
 
+TEST_F(X11TypingTest, keysHeldAcrossAChangeOfTheKeyboardAreReleased) {
+    X11Input input(server->display());
+    const auto command = [&](KeyState state) {
+        input.manager.handle({DecodedPacket::KeyStroke{55, none, state}});
+        input.sync();
+    };
+    command(KeyState::pressed);
+    const auto before = client->keysDown();
+    selectLayout("us -option ctrl:swapcaps");
+    input.settle();
+    command(KeyState::pressed);
+    EXPECT_EQ(client->keysDown().size(), 1U);
+    EXPECT_NE(client->keysDown(), before);
+    command(KeyState::released);
+    EXPECT_TRUE(client->keysDown().empty());
+}
+
 TEST_F(X11TypingTest, theCapsLockKeyLocks) {
     X11Input input(server->display());
     const auto tap = [&] {

@@ -24,7 +24,7 @@ void X11Test::SetUp() {
 }
 
 void X11Test::selectLayout(const std::string& arguments) {
-    ASSERT_TRUE(server->run("setxkbmap " + arguments)) << arguments;
+    ASSERT_TRUE(server->run("setxkbmap -option '' " + arguments)) << arguments;
     client->handleEvents();
     keyboardMapBefore = client->keyboardMap();
 }
