@@ -4,13 +4,11 @@
 
 namespace orbinex {
 
-/// The clock that stored dates count on: its epoch is 2001-01-01 00:00:00 UTC.
+/// The clock that stored dates count on: its epoch is 2001-01-01 00:00:00 UTC. It is read through
+/// MainQueue::now.
 struct ReferenceClock {
-    using rep = double;
-    using period = std::ratio<1>;
     using duration = std::chrono::duration<double>;
     using time_point = std::chrono::time_point<ReferenceClock>;
-    static constexpr bool is_steady = false;
 };
 
 /// A moment on the wall clock, in seconds with a fraction since 2001-01-01 00:00:00 UTC.

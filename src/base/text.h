@@ -12,7 +12,8 @@ namespace orbinex {
 
 /// Reads bytes as UTF-8, each maximal invalid sequence replaced by U+FFFD. Never fails.
 std::string repairUTF8(ByteView bytes);
-/// Reads bytes as UTF-8; nothing when any of it is invalid (overlong forms, surrogates and values above U+10FFFF included).
+/// Reads bytes as UTF-8; nothing when any of it is invalid (overlong forms, surrogates and values above
+/// U+10FFFF included).
 std::optional<std::string> strictUTF8(ByteView bytes);
 
 /// The byte length of the first user-perceived character (extended grapheme cluster) of valid UTF-8 text;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <array>
-#include <compare>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -48,7 +47,8 @@ struct UUID {
     /// The canonical form in upper case, 36 characters.
     [[nodiscard]] std::string text() const;
 
-    friend constexpr auto operator<=>(const UUID&, const UUID&) = default;
+    friend constexpr bool operator==(const UUID&, const UUID&) = default;
+    friend constexpr bool operator<(const UUID& a, const UUID& b) { return a.bytes < b.bytes; }
 
   private:
     static constexpr int hexDigit(char c) {

@@ -17,7 +17,7 @@ struct VirtualMainQueue::Schedule {
 
 class VirtualMainQueue::Entry final : public Timer::Entry {
   public:
-    Entry(std::shared_ptr<Schedule> schedule, Delay interval, Job job)
+    Entry(const std::shared_ptr<Schedule>& schedule, Delay interval, Job job)
         : schedule_(schedule), interval_(interval), job_(std::make_shared<Job>(std::move(job))) {}
     ~Entry() override { disarm(); }
 

@@ -49,7 +49,7 @@ std::string prettyHostname(std::string_view machineInfo) {
 }
 
 std::string computerName() {
-    constexpr std::size_t sane = 64 * 1024;
+    constexpr std::size_t sane = 65536;  // bytes
     if (std::ifstream file("/etc/machine-info"); file) {
         std::string text(sane, '\0');
         file.read(text.data(), static_cast<std::streamsize>(text.size()));

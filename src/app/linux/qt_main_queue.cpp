@@ -1,5 +1,7 @@
 #include "app/linux/qt_main_queue.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QObject>
 #include <QTimerEvent>
 #include <algorithm>
@@ -30,7 +32,19 @@ class QtMainQueue::Dispatcher final : public QObject {
 
     [[nodiscard]] bool isPending(int id) const { return pending_.contains(id); }
 
+    /// A posted job on its way.
+    class JobEvent final : public QEvent {
+      public:
+        explicit JobEvent(Job job) : QEvent(User), job_(std::move(job)) {}
+        void run() const { job_(); }
+
+      private:
+        Job job_;
+    };
+
   protected:
+    void customEvent(QEvent* event) override { static_cast<JobEvent*>(event)->run(); }
+
     void timerEvent(QTimerEvent* event) override {
         const auto found = pending_.find(event->timerId());
         if (found == pending_.end()) return;
@@ -64,7 +78,7 @@ QtMainQueue::QtMainQueue() : dispatcher_(std::make_shared<Dispatcher>()) {}
 QtMainQueue::~QtMainQueue() = default;
 
 void QtMainQueue::post(Job job) {
-    QMetaObject::invokeMethod(dispatcher_.get(), std::move(job), Qt::QueuedConnection);
+    QCoreApplication::postEvent(dispatcher_.get(), new Dispatcher::JobEvent(std::move(job)));
 }
 
 Timer QtMainQueue::arm(Delay delay, bool isRepeated, Job job) {
