@@ -34,6 +34,8 @@ Bytes DeviceInfo::encode() const {
     return value;
 }
 
-std::string deviceToken(const UUID& deviceID) { return deviceID.text().substr(0, 6); }
+std::string deviceToken(const UUID& deviceID) {
+    return deviceID.text().substr(0, 6);
+}
 
 }  // namespace orbinex
