@@ -1,0 +1,97 @@
+// Shows the main job from end to end: a simulated phone drives a desktop of the demo's own, and what it does
+// is read back from the X server and from the editor.
+
+#include <QCoreApplication>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <system_error>
+
+#include "app/linux/unix_signals.h"
+#include "stage.h"
+
+namespace {
+
+using namespace orbinex;
+using namespace orbinex::demo;
+using namespace std::chrono_literals;
+
+constexpr auto patience = 100s;
+/// Slow enough to be watched.
+constexpr std::chrono::milliseconds nestedPace{12};
+constexpr auto nestedFarewell = 5s;
+
+constexpr const char* usage = R"(usage: orbinex_demo [--nested] [--out FILE]
+  --nested     in a window on your own display, slowly enough to watch; leave the pointer out of that window
+  --out FILE   where the picture of the desktop goes; out/demo.png when not given
+)";
+
+struct Options {
+    bool isNested = false;
+    std::filesystem::path picture = "out/demo.png";
+};
+
+std::optional<Options> parse(int argc, char** argv) {
+    Options options;
+    for (int i = 1; i < argc; ++i) {
+        const std::string argument = argv[i];
+        if (argument == "--nested") {
+            options.isNested = true;
+        } else if (argument == "--out" && i + 1 < argc) {
+            options.picture = argv[++i];
+        } else {
+            return std::nullopt;
+        }
+    }
+    return options;
+}
+
+void tellTheStory(EventLoop& loop, Report& report, const Options& options) {
+    PrivateDesktop desktop(
+        loop, options.isNested ? PrivateDesktop::Screen::nested : PrivateDesktop::Screen::unseen);
+    ScreenProbe screen(desktop.display());
+    SelectionProbe selections(desktop.display());
+    openTheDesktop(loop, report, desktop, screen);
+
+    report.chapter("The program starts");
+    Program program(loop, report, desktop.display());
+    PhoneUser user(loop, program.phone(), options.isNested ? nestedPace : 0ms);
+    Stage stage{loop, report, desktop, screen, selections, program, user};
+    meetThePhone(stage);
+    moveAndClick(stage);
+    typeTheLetter(stage);
+    selectAndCopy(stage);
+    loseTheLinkInADrag(stage);
+    scrollThroughTheLetter(stage);
+
+    const bool isTaken = desktop.takePicture(options.picture.string());
+    report.step("picture of the desktop", "taken", isTaken ? "taken" : "not taken");
+    if (options.isNested) loop.linger(nestedFarewell);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const QCoreApplication application(argc, argv);
+    const auto options = parse(argc, argv);
+    if (!options) {
+        std::fputs(usage, stderr);
+        return 2;
+    }
+    std::error_code ignored;
+    std::filesystem::create_directories(std::filesystem::absolute(options->picture).parent_path(), ignored);
+
+    EventLoop loop(patience);
+    const UnixSignals signals([&](int signal) { loop.end({"ended by a signal", 128 + signal}); });
+    Report report;
+    try {
+        tellTheStory(loop, report, *options);
+    } catch (const Ended& why) {
+        std::fprintf(stderr, "demo: %s\n", why.reason.c_str());
+        return why.exitStatus;
+    }
+    report.summary(std::filesystem::absolute(options->picture).string());
+    return report.failures() == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
+}

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QTemporaryDir>
+#include <memory>
+#include <string>
+
+#include "child_process.h"
+#include "event_loop.h"
+
+namespace orbinex::demo {
+
+/// A desktop of the demo's own: an X server, a window manager and a text editor, with a home folder that goes
+/// with them. Nothing of the user's is read, written or shown on. All of it ends with this object.
+class PrivateDesktop {
+  public:
+    enum class Screen {
+        unseen,  ///< in memory only
+        nested,  ///< in a window on the user's display
+    };
+
+    /// Starts the X server; throws Ended when that fails.
+    PrivateDesktop(EventLoop& loop, Screen screen);
+
+    /// Such as ":7".
+    [[nodiscard]] const std::string& display() const { return display_; }
+
+    /// These return at once; what they start is seen on the screen later.
+    void startWindowManager();
+    void startEditor();
+
+    /// Sets the keyboard's layout and variant, in words of the X keyboard extension; false when that fails.
+    bool setKeyboardLayout(const char* layout, const char* variant);
+    bool setBackground(const char* colour);
+    /// Writes what the screen shows to a PNG file.
+    bool takePicture(const std::string& file);
+
+    /// What the editor has saved, empty before.
+    [[nodiscard]] std::string savedText() const;
+
+  private:
+    void startServer(Screen screen);
+    bool run(const char* program, const QStringList& arguments);
+    [[nodiscard]] QString path(const char* name) const;
+
+    EventLoop& loop_;
+    // In the order in which they come; they go the other way round.
+    QTemporaryDir folder_;
+    QProcessEnvironment environment_;
+    std::unique_ptr<ChildProcess> server_;
+    std::string display_;
+    std::unique_ptr<ChildProcess> windowManager_;
+    std::unique_ptr<ChildProcess> editor_;
+};
+
+}  // namespace orbinex::demo

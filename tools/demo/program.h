@@ -1,0 +1,53 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "app/app_coordinator.h"
+#include "app/linux/fd_watch.h"
+#include "app/linux/qt_main_queue.h"
+#include "editor_bridge/idle_editor_bridge.h"
+#include "event_loop.h"
+#include "input/x11/x11_connection.h"
+#include "input/x11/x11_event_poster.h"
+#include "input/x11/x11_keyboard_layout_source.h"
+#include "report.h"
+#include "sim/memory_defaults.h"
+#include "sim/simulated_radio.h"
+
+namespace orbinex::demo {
+
+/// The program as it is put together for real, but for the radio, which is simulated, and the settings, which
+/// are kept in memory. It works on the given display.
+class Program {
+  public:
+    /// Throws Ended when the display cannot be used. When the display goes away, the loop is told to end.
+    Program(EventLoop& loop, Report& report, const std::string& display);
+
+    /// The phone, switched off at first.
+    SimulatedPhone& phone() { return phone_; }
+    CentralBLEManager& link() { return coordinator_.centralManager; }
+    TrustedDeviceStore& trustStore() { return coordinator_.trustStore; }
+
+    static constexpr const char* computerName = "Demo Desktop";
+
+  private:
+    static std::unique_ptr<X11Connection> connect(const std::string& display);
+
+    QtMainQueue queue_;
+    MemoryDefaults defaults_;
+    SimulatedRadio radio_{queue_};
+    SimulatedPhone& phone_;
+    WakeNotifier wake_;
+    std::unique_ptr<X11Connection> connection_;
+    X11EventPoster poster_{*connection_, queue_};
+    X11KeyboardLayoutSource layouts_{*connection_, queue_};
+    FdWatch displayEvents_;
+    IdleEditorBridge bridge_;
+    AppPreferences preferences_{defaults_};
+    AppCoordinator coordinator_;
+    Subscription statusLines_;
+    Subscription alerts_;
+};
+
+}  // namespace orbinex::demo

@@ -1,0 +1,55 @@
+#include "report.h"
+
+#include <cstdio>
+
+namespace orbinex::demo {
+
+namespace {
+
+/// The text on one line, in quotation marks.
+std::string quoted(std::string_view text) {
+    std::string result = "“";
+    for (const char c : text) {
+        if (c == '\n') {
+            result += "⏎";
+        } else if (c == '\t') {
+            result += "⇥";
+        } else {
+            result.push_back(c);
+        }
+    }
+    return result + "”";
+}
+
+void print(const std::string& line) {
+    std::printf("%s\n", line.c_str());
+    std::fflush(stdout);
+}
+
+}  // namespace
+
+void Report::chapter(std::string_view title) {
+    print("\n" + std::string(title));
+}
+
+void Report::says(std::string_view line) {
+    print("    orbinex   " + std::string(line));
+}
+
+void Report::step(std::string_view name, std::string_view expected, std::string_view readBack) {
+    const bool isPassed = expected == readBack;
+    ++(isPassed ? passed_ : failed_);
+    if (isPassed) {
+        print("    ok        " + std::string(name) + ": " + quoted(readBack));
+    } else {
+        print("    FAILED    " + std::string(name) + ": expected " + quoted(expected) + ", read back " +
+              quoted(readBack));
+    }
+}
+
+void Report::summary(std::string_view picture) const {
+    print("\ndemo: " + std::to_string(passed_) + " steps passed, " + std::to_string(failed_) + " failed");
+    if (!picture.empty()) print("picture: " + std::string(picture));
+}
+
+}  // namespace orbinex::demo

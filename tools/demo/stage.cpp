@@ -1,0 +1,80 @@
+#include "stage.h"
+
+#include <chrono>
+#include <cstdlib>
+
+#include "desktop_settings.h"
+
+namespace orbinex::demo {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+/// Far more than a busy machine needs.
+constexpr auto stepLimit = 6s;
+constexpr auto startLimit = 20s;
+constexpr int glideSteps = 12;
+
+}  // namespace
+
+bool Stage::expect(std::string_view name, std::string_view expected,
+                   const std::function<std::string()>& read) {
+    std::string last;
+    const bool isMet = loop.waitUntil(
+        [&] {
+            last = read();
+            return last == expected;
+        },
+        stepLimit);
+    report.step(name, expected, last);
+    return isMet;
+}
+
+bool Stage::expectThat(std::string_view name, std::string_view fact, const std::function<bool()>& holds) {
+    return expect(name, fact, [&] { return holds() ? std::string(fact) : "not so"; });
+}
+
+void Stage::pointAt(ScreenProbe::Pointer place) {
+    const auto isThere = [&] {
+        const auto at = screen.pointer();
+        return std::abs(at.x - place.x) <= 1 && std::abs(at.y - place.y) <= 1;
+    };
+    const auto from = screen.pointer();
+    for (int i = 0; i < glideSteps; ++i) {
+        user.move((place.x - from.x) / static_cast<double>(glideSteps),
+                  (place.y - from.y) / static_cast<double>(glideSteps));
+    }
+    if (!loop.waitUntil(isThere, stepLimit)) {
+        const auto at = screen.pointer();
+        report.step("points at the text", std::to_string(place.x) + ", " + std::to_string(place.y),
+                    std::to_string(at.x) + ", " + std::to_string(at.y));
+    }
+}
+
+void Stage::expectLetter(std::string_view name) {
+    user.command("s", Key::s);
+    expect(name, letter, [&] { return desktop.savedText(); });
+}
+
+void openTheDesktop(EventLoop& loop, Report& report, PrivateDesktop& desktop, const ScreenProbe& screen) {
+    report.chapter("A desktop of its own, " + desktop.display());
+    const auto step = [&](const char* name, const char* fact, const std::function<bool()>& holds) {
+        const bool isMet = loop.waitUntil(holds, startLimit);
+        report.step(name, fact, isMet ? fact : "not so");
+        if (!isMet) throw Ended{"the desktop does not come up"};
+    };
+    desktop.setBackground("#35505f");
+    // Its option key gives further characters, as on the phone's own keyboard.
+    const bool isLayoutSet = desktop.setKeyboardLayout("us", "mac");
+    report.step("keyboard layout", "us(mac)", isLayoutSet ? "us(mac)" : "not set");
+    desktop.startWindowManager();
+    step("window manager", "runs", [&] { return screen.hasWindowManager(); });
+    desktop.startEditor();
+    step("text editor", "shows its paper", [&] {
+        const auto paper = screen.find(paperColour);
+        return paper && paper->width > 600 && paper->height > 300;
+    });
+}
+
+}  // namespace orbinex::demo

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "event_loop.h"
+#include "phone_user.h"
+#include "private_desktop.h"
+#include "program.h"
+#include "report.h"
+#include "screen_probe.h"
+#include "selection_probe.h"
+
+namespace orbinex::demo {
+
+/// Where the characters of the letter are on the screen: every one is as wide as every other.
+struct TextGrid {
+    int left = 0;
+    int top = 0;
+    int characterWidth = 0;
+    int lineHeight = 0;
+
+    /// The boundary before a column, at half the height of a line, both from 0.
+    [[nodiscard]] ScreenProbe::Pointer place(int line, double column) const {
+        return {left + static_cast<int>(column * characterWidth), top + line * lineHeight + lineHeight / 2};
+    }
+};
+
+/// Everything that the chapters of the story act on and look at.
+struct Stage {
+    EventLoop& loop;
+    Report& report;
+    PrivateDesktop& desktop;
+    ScreenProbe& screen;
+    SelectionProbe& selections;
+    Program& program;
+    PhoneUser& user;
+
+    /// What the letter in the editor must say.
+    std::string letter = {};
+    /// Known once the letter has been typed.
+    TextGrid grid = {};
+
+    /// A step: reads until it is what is expected, or too late, and reports what was read last.
+    bool expect(std::string_view name, std::string_view expected, const std::function<std::string()>& read);
+    /// The same for something that holds or does not.
+    bool expectThat(std::string_view name, std::string_view fact, const std::function<bool()>& holds);
+    /// Moves the pointer there, as a person does who watches it.
+    void pointAt(ScreenProbe::Pointer place);
+    /// Saves with the phone and reads what the editor has written.
+    void expectLetter(std::string_view name);
+};
+
+// The chapters, in their order.
+void openTheDesktop(EventLoop& loop, Report& report, PrivateDesktop& desktop, const ScreenProbe& screen);
+void meetThePhone(Stage& stage);
+void moveAndClick(Stage& stage);
+void typeTheLetter(Stage& stage);
+void selectAndCopy(Stage& stage);
+void loseTheLinkInADrag(Stage& stage);
+void scrollThroughTheLetter(Stage& stage);
+
+}  // namespace orbinex::demo

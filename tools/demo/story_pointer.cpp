@@ -1,0 +1,80 @@
+// The pointer goes in a circle and clicks into the editor.
+
+#include <cmath>
+#include <numbers>
+
+#include "desktop_settings.h"
+#include "stage.h"
+
+namespace orbinex::demo {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr int circleMoves = 72;
+constexpr int movesPerLook = 6;
+constexpr double circleRadius = 180;
+
+struct Offset {
+    double x;
+    double y;
+};
+
+/// From the right-most point of the circle to where the pointer is after some moves.
+Offset onCircle(int moves) {
+    const double angle = 2 * std::numbers::pi * moves / circleMoves;
+    return {circleRadius * (std::cos(angle) - 1), circleRadius * std::sin(angle)};
+}
+
+void drawCircle(Stage& stage) {
+    const auto start = stage.screen.pointer();
+    int looks = 0;
+    int hits = 0;
+    std::string path;
+    for (int i = 1; i <= circleMoves; ++i) {
+        const Offset before = onCircle(i - 1);
+        const Offset after = onCircle(i);
+        stage.user.move(after.x - before.x, after.y - before.y);
+        if (i % movesPerLook != 0) continue;
+        ++looks;
+        const bool isThere = stage.loop.waitUntil(
+            [&] {
+                const auto at = stage.screen.pointer();
+                return std::abs(at.x - start.x - after.x) <= 1 && std::abs(at.y - start.y - after.y) <= 1;
+            },
+            1s);
+        if (isThere) ++hits;
+    }
+    const auto all = std::to_string(looks);
+    stage.report.step("pointer on the circle", all + " of " + all + " looks",
+                      std::to_string(hits) + " of " + all + " looks");
+}
+
+}  // namespace
+
+void moveAndClick(Stage& stage) {
+    stage.report.chapter("The phone is a trackpad");
+    drawCircle(stage);
+    const auto screen = stage.screen.whole();
+    stage.user.move(-1e6F, 1e6F);
+    stage.expect("a move far beyond the corner stops at the edge", "0, " + std::to_string(screen.height - 1),
+                 [&] {
+                     const auto at = stage.screen.pointer();
+                     return std::to_string(at.x) + ", " + std::to_string(at.y);
+                 });
+
+    const auto paper = stage.screen.find(paperColour).value_or(screen);
+    stage.pointAt({paper.x + paper.width / 2, paper.y + paper.height / 2});
+    stage.expect("active window before the click", "none", [&] { return stage.screen.activeWindow(); });
+    stage.user.tap(1);
+    stage.expect("active window after it", "Mousepad", [&] { return stage.screen.activeWindow(); });
+    stage.expectThat("caret", "is in the text", [&] { return stage.screen.find(caretColour).has_value(); });
+
+    stage.user.tap(1, MouseButton::right);
+    stage.expect("menus after a right click", "1", [&] { return std::to_string(stage.screen.popups()); });
+    stage.user.strike(Key::escape);
+    stage.expect("menus after Escape", "0", [&] { return std::to_string(stage.screen.popups()); });
+}
+
+}  // namespace orbinex::demo
