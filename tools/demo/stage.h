@@ -21,6 +21,8 @@ struct TextGrid {
     int characterWidth = 0;
     int lineHeight = 0;
 
+    friend bool operator==(const TextGrid&, const TextGrid&) = default;
+
     /// The boundary before a column, at half the height of a line, both from 0.
     [[nodiscard]] ScreenProbe::Pointer place(int line, double column) const {
         return {left + static_cast<int>(column * characterWidth), top + line * lineHeight + lineHeight / 2};

@@ -9,7 +9,8 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto caretLimit = 6s;
+constexpr auto caretLimit = 2s;
+constexpr int measurements = 10;
 
 void type(Stage& stage, std::string_view text) {
     stage.user.type(text);
@@ -30,16 +31,31 @@ std::optional<Box> caretAfter(Stage& stage, std::uint16_t keycode, ModifierFlags
     return hasMoved ? after : std::nullopt;
 }
 
-/// Learns from the caret where the characters are, by moving it over the beginning of the letter.
-void measureText(Stage& stage) {
+/// Where the caret goes at the beginning of the letter tells where the characters are.
+std::optional<TextGrid> measureText(Stage& stage) {
     const auto home = caretAfter(stage, Key::home, ModifierFlags::command);
     const auto second = caretAfter(stage, Key::right);
     const auto below = caretAfter(stage, Key::down);
-    if (home && second && below) {
-        stage.grid = {home->x, home->y, second->x - home->x, below->y - home->y};
+    if (!home || !second || !below) return std::nullopt;
+    const TextGrid grid{home->x, home->y, second->x - home->x, below->y - home->y};
+    const bool isSensible = grid.characterWidth > 4 && grid.lineHeight > grid.characterWidth;
+    return isSensible ? std::optional(grid) : std::nullopt;
+}
+
+/// The editor may still be drawing what came before, so what counts is what is seen twice.
+void learnWhereTheTextIs(Stage& stage) {
+    std::optional<TextGrid> last;
+    for (int i = 0; i < measurements; ++i) {
+        const auto grid = measureText(stage);
+        if (grid && grid == last) {
+            stage.grid = *grid;
+            stage.report.step("caret", "follows ⌘Home, → and ↓", "follows ⌘Home, → and ↓");
+            return;
+        }
+        last = grid;
     }
-    const bool isSensible = stage.grid.characterWidth > 4 && stage.grid.lineHeight > 8;
-    stage.report.step("caret", "follows ⌘Home, → and ↓", isSensible ? "follows ⌘Home, → and ↓" : "does not");
+    stage.report.step("caret", "follows ⌘Home, → and ↓", "does not");
+    throw Ended{"without knowing where the text is the story cannot go on"};
 }
 
 void strikeKeys(Stage& stage) {
@@ -70,10 +86,10 @@ void typeTheLetter(Stage& stage) {
 
     stage.user.strike(Key::tab);
     stage.letter += "\t";
-    type(stage, "Ünïcödé: å ∫ ü © € – “Привет, Москва!” 你好\n");
+    type(stage, "Ünïcödé: å ∫ ü © € – “Привет, Москва!”\n");
     type(stage, "\tEmoji: 😀 🎬 🎧 👍🏽 👩‍💻");
     stage.expectLetter("tab, option characters, Cyrillic, emoji");
-    measureText(stage);
+    learnWhereTheTextIs(stage);
 }
 
 }  // namespace orbinex::demo
