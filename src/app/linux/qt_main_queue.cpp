@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QTimerEvent>
 #include <algorithm>
+#include <cstdint>
 #include <unordered_map>
 #include <utility>
 
@@ -14,23 +15,29 @@ namespace orbinex {
 /// queue.
 class QtMainQueue::Dispatcher final : public QObject {
   public:
-    struct Pending {
-        std::shared_ptr<Job> job;
-        bool isRepeated;
+    /// One timer. Qt gives the number of a timer that is over to the next one, hence a number of our own.
+    struct Key {
+        int qtId = 0;
+        std::uint64_t serial = 0;
     };
 
-    int start(Delay delay, Pending pending) {
+    Key start(Delay delay, bool isRepeated, Job job) {
         const auto wait = std::chrono::ceil<std::chrono::milliseconds>(std::max(delay, Delay::zero()));
-        const int id = startTimer(wait, Qt::PreciseTimer);
-        pending_.emplace(id, std::move(pending));
-        return id;
+        const Key key{startTimer(wait, Qt::PreciseTimer), ++lastSerial_};
+        pending_.emplace(key.qtId, Pending{std::make_shared<Job>(std::move(job)), isRepeated, key.serial});
+        return key;
     }
 
-    void stop(int id) {
-        if (pending_.erase(id) > 0) killTimer(id);
+    void stop(Key key) {
+        if (!isPending(key)) return;
+        pending_.erase(key.qtId);
+        killTimer(key.qtId);
     }
 
-    [[nodiscard]] bool isPending(int id) const { return pending_.contains(id); }
+    [[nodiscard]] bool isPending(Key key) const {
+        const auto found = pending_.find(key.qtId);
+        return found != pending_.end() && found->second.serial == key.serial;
+    }
 
     /// A posted job on its way.
     class JobEvent final : public QEvent {
@@ -50,28 +57,35 @@ class QtMainQueue::Dispatcher final : public QObject {
         if (found == pending_.end()) return;
         // The job may destroy its timer, or this queue.
         const auto job = found->second.job;
-        if (!found->second.isRepeated) stop(event->timerId());
+        if (!found->second.isRepeated) stop({event->timerId(), found->second.serial});
         (*job)();
     }
 
   private:
+    struct Pending {
+        std::shared_ptr<Job> job;
+        bool isRepeated;
+        std::uint64_t serial;
+    };
     std::unordered_map<int, Pending> pending_;
+    std::uint64_t lastSerial_ = 0;
 };
 
 class QtMainQueue::Entry final : public Timer::Entry {
   public:
-    Entry(const std::shared_ptr<Dispatcher>& dispatcher, int id) : dispatcher_(dispatcher), id_(id) {}
+    Entry(const std::shared_ptr<Dispatcher>& dispatcher, Dispatcher::Key key)
+        : dispatcher_(dispatcher), key_(key) {}
     ~Entry() override {
-        if (const auto dispatcher = dispatcher_.lock()) dispatcher->stop(id_);
+        if (const auto dispatcher = dispatcher_.lock()) dispatcher->stop(key_);
     }
     [[nodiscard]] bool isPending() const override {
         const auto dispatcher = dispatcher_.lock();
-        return dispatcher && dispatcher->isPending(id_);
+        return dispatcher && dispatcher->isPending(key_);
     }
 
   private:
     std::weak_ptr<Dispatcher> dispatcher_;
-    int id_;
+    Dispatcher::Key key_;
 };
 
 QtMainQueue::QtMainQueue() : dispatcher_(std::make_shared<Dispatcher>()) {}
@@ -82,8 +96,8 @@ void QtMainQueue::post(Job job) {
 }
 
 Timer QtMainQueue::arm(Delay delay, bool isRepeated, Job job) {
-    const int id = dispatcher_->start(delay, {std::make_shared<Job>(std::move(job)), isRepeated});
-    return Timer(std::make_unique<Entry>(dispatcher_, id));
+    const auto key = dispatcher_->start(delay, isRepeated, std::move(job));
+    return Timer(std::make_unique<Entry>(dispatcher_, key));
 }
 
 Timer QtMainQueue::after(Delay delay, Job job) {
