@@ -97,6 +97,17 @@ TEST_F(QtMainQueueTest, neverRunsWhatWasCancelledOrReArmed) {
     EXPECT_EQ(rounds, 3);
 }
 
+TEST_F(QtMainQueueTest, keepsATimerWhenAnEarlierOneThatIsOverGoes) {
+    Timer over;
+    Timer later;
+    over = queue_.after(1ms, [&] {
+        // The event loop may number this one as it did the one that is over.
+        later = queue_.after(1ms, [this] { done(); });
+        over.cancel();
+    });
+    runUntilDone();
+}
+
 TEST_F(QtMainQueueTest, mayGoBeforeItsTimersAndItsJobs) {
     Timer survivor;
     {

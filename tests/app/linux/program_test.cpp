@@ -1,0 +1,160 @@
+// The program as a process: how it starts without what it needs, and how it ends.
+
+#include <QCoreApplication>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <csignal>
+#include <memory>
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "app/app_coordinator.h"
+#include "app/linux/fd_watch.h"
+#include "app/linux/qt_main_queue.h"
+#include "app/linux/unix_signals.h"
+#include "editor_bridge/idle_editor_bridge.h"
+#include "input/x11/x11_connection.h"
+#include "input/x11/x11_event_poster.h"
+#include "input/x11/x11_keyboard_layout_source.h"
+#include "input/x11/x_client.h"
+#include "sim/memory_defaults.h"
+#include "sim/simulated_radio.h"
+#include "support/private_x_server.h"
+
+namespace orbinex::test {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// A run of the installed program with a home of its own.
+class ProgramRun {
+  public:
+    explicit ProgramRun(const std::string& display) {
+        auto environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("DISPLAY", QString::fromStdString(display));
+        environment.insert("XDG_CONFIG_HOME", home_.path());
+        process_.setProcessEnvironment(environment);
+        process_.setProcessChannelMode(QProcess::MergedChannels);
+        process_.start(ORBINEX_PROGRAM, QStringList{});
+    }
+    ~ProgramRun() {
+        process_.kill();
+        process_.waitForFinished();
+    }
+
+    /// Reads until the output holds the text; false when the program ends without it.
+    bool says(const std::string& text) {
+        while (!output_.contains(text.c_str())) {
+            if (!process_.waitForReadyRead(20'000)) {
+                output_ += process_.readAll();
+                return output_.contains(text.c_str());
+            }
+            output_ += process_.readAll();
+        }
+        return true;
+    }
+    void signal(int number) const { ::kill(static_cast<pid_t>(process_.processId()), number); }
+    /// The exit status, or -1 when it was killed or did not end.
+    int end() {
+        if (!process_.waitForFinished(20'000) || process_.exitStatus() != QProcess::NormalExit) return -1;
+        return process_.exitCode();
+    }
+
+  private:
+    QTemporaryDir home_;
+    QProcess process_;
+    QByteArray output_;
+};
+
+TEST(Program, saysWhatIsMissingWithoutADisplay) {
+    ProgramRun run("");
+    EXPECT_TRUE(run.says("no X display"));
+    EXPECT_EQ(run.end(), 1);
+}
+
+TEST(Program, endsWellWhenItIsAskedTo) {
+    const PrivateXServer server;
+    for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
+        ProgramRun run(server.display());
+        EXPECT_TRUE(run.says("Starting Bluetooth…"));
+        run.signal(number);
+        EXPECT_EQ(run.end(), 0) << number;
+    }
+}
+
+TEST(Program, endsWhenTheDisplayGoes) {
+    PrivateXServer server;
+    ProgramRun run(server.display());
+    EXPECT_TRUE(run.says("Starting Bluetooth…"));
+    server.kill();
+    EXPECT_EQ(run.end(), 1);
+}
+
+/// The whole program with a phone that presses and holds; tells through the pipe once everything is down.
+[[noreturn]] void holdUntilSignalled(const std::string& displayName, int tellPipe) {
+    int argc = 1;
+    char name[] = "holder";
+    char* argv[] = {name, nullptr};
+    int result = 1;
+    {
+        QCoreApplication application(argc, argv);
+        QtMainQueue queue;
+        const UnixSignals ending([](int) { QCoreApplication::exit(0); });
+        const auto display = X11Connection::open(displayName);
+        X11EventPoster poster(*display, queue);
+        X11KeyboardLayoutSource layouts(*display, queue);
+        const FdWatch events(display->fd(), [&] { display->processEvents(); });
+        SimulatedRadio radio(queue);
+        auto& phone = radio.addPhone(UUID::random(), {2, UUID::random(), "Studio iPhone"});
+        WakeNotifier wake;
+        IdleEditorBridge bridge;
+        MemoryDefaults defaults;
+        AppPreferences preferences(defaults);
+        AppCoordinator app(preferences, {queue, defaults, radio, wake, poster, layouts, bridge,
+                                         [] { return std::string(); }});
+        const auto found = app.centralManager.nearbyDevices.onDidChange([&](const NearbyList& list) {
+            if (!list.empty() && !app.centralManager.session())
+                queue.post([&] { app.centralManager.connectNearbyDevice(phone.identifier()); });
+        });
+        const auto connected = app.centralManager.phase.onDidChange([&](LinkPhase phase) {
+            if (phase != LinkPhase::connected) return;
+            phone.send(DecodedPacket{DecodedPacket::MouseButtonChange{MouseButton::left, KeyState::pressed}});
+            phone.send(DecodedPacket{DecodedPacket::KeyStroke{0, ModifierFlags::shift, KeyState::pressed}});
+            phone.send(DecodedPacket{DecodedPacket::Text{"ж", {}, std::nullopt}});
+            queue.post([=] { [[maybe_unused]] const auto written = ::write(tellPipe, "x", 1); });
+        });
+        result = QCoreApplication::exec();
+    }
+    ::_exit(result);
+}
+
+TEST(Program, holdsNothingDownAfterASignal) {
+    const PrivateXServer server;
+    XClient client(server.display());
+    const auto keyboardBefore = client.keyboardMap();
+    for (const int number : {SIGTERM, SIGHUP, SIGINT}) {
+        int tell[2];
+        ASSERT_EQ(::pipe(tell), 0);
+        const pid_t child = ::fork();
+        if (child == 0) holdUntilSignalled(server.display(), tell[1]);
+        ::close(tell[1]);
+        char byte = 0;
+        ASSERT_EQ(::read(tell[0], &byte, 1), 1) << "the holder ended early";
+        ::close(tell[0]);
+        EXPECT_NE(client.buttonsDown(), 0U);
+        EXPECT_FALSE(client.keysDown().empty());
+
+        ::kill(child, number);
+        int status = 0;
+        ASSERT_EQ(::waitpid(child, &status, 0), child);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << number;
+        EXPECT_EQ(client.buttonsDown(), 0U);
+        EXPECT_TRUE(client.keysDown().empty());
+        EXPECT_EQ(client.keyboardMap(), keyboardBefore);
+    }
+}
+
+}  // namespace
+}  // namespace orbinex::test
