@@ -19,9 +19,10 @@ using namespace orbinex::demo;
 using namespace std::chrono_literals;
 
 constexpr auto patience = 100s;
-/// Slow enough to be watched.
-constexpr std::chrono::milliseconds nestedPace{12};
-constexpr auto nestedFarewell = 5s;
+/// Between packets: what a phone's screen gives, and slow enough to be watched.
+constexpr std::chrono::milliseconds touchPace{4};
+constexpr std::chrono::milliseconds watchedPace{16};
+constexpr auto farewell = 5s;
 
 constexpr const char* usage = R"(usage: orbinex_demo [--nested] [--out FILE]
   --nested     in a window on your own display, slowly enough to watch; leave the pointer out of that window
@@ -57,7 +58,7 @@ void tellTheStory(EventLoop& loop, Report& report, const Options& options) {
 
     report.chapter("The program starts");
     Program program(loop, report, desktop.display());
-    PhoneUser user(loop, program.phone(), options.isNested ? nestedPace : 0ms);
+    PhoneUser user(loop, program.phone(), options.isNested ? watchedPace : touchPace);
     Stage stage{loop, report, desktop, screen, selections, program, user};
     meetThePhone(stage);
     moveAndClick(stage);
@@ -68,7 +69,7 @@ void tellTheStory(EventLoop& loop, Report& report, const Options& options) {
 
     const bool isTaken = desktop.takePicture(options.picture.string());
     report.step("picture of the desktop", "taken", isTaken ? "taken" : "not taken");
-    if (options.isNested) loop.linger(nestedFarewell);
+    if (options.isNested) loop.linger(farewell);
 }
 
 }  // namespace

@@ -15,6 +15,8 @@ namespace {
 constexpr auto stepLimit = 6s;
 constexpr auto startLimit = 20s;
 constexpr int glideSteps = 12;
+/// Longer than the time in which GTK counts clicks, and than the editor busies itself after saving.
+constexpr auto aimTime = 700ms;
 
 }  // namespace
 
@@ -50,6 +52,11 @@ void Stage::pointAt(ScreenProbe::Pointer place) {
         report.step("points at the text", std::to_string(place.x) + ", " + std::to_string(place.y),
                     std::to_string(at.x) + ", " + std::to_string(at.y));
     }
+}
+
+void Stage::aimAt(ScreenProbe::Pointer place) {
+    pointAt(place);
+    loop.linger(aimTime);
 }
 
 void Stage::expectLetter(std::string_view name) {

@@ -50,6 +50,9 @@ struct Stage {
     bool expectThat(std::string_view name, std::string_view fact, const std::function<bool()>& holds);
     /// Moves the pointer there, as a person does who watches it.
     void pointAt(ScreenProbe::Pointer place);
+    /// The same, with the moment that a person needs to aim. Editors take clicks in two places that follow
+    /// one another at once for one run of clicks.
+    void aimAt(ScreenProbe::Pointer place);
     /// Saves with the phone and reads what the editor has written.
     void expectLetter(std::string_view name);
 };

@@ -9,20 +9,20 @@ void selectAndCopy(Stage& stage) {
     const auto selected = [&] { return stage.selections.selected(); };
     const auto copied = [&] { return stage.selections.copied(); };
 
-    stage.pointAt(stage.grid.place(0, 7.5));
+    stage.aimAt(stage.grid.place(0, 7.5));
     stage.user.tap(1);
     stage.user.tap(2);
     stage.expect("selected by a double click", "Studio", selected);
     stage.user.strike(Key::c, ModifierFlags::command);
     stage.expect("copied with ⌘C", "Studio", copied);
 
-    stage.pointAt(stage.grid.place(1, 22.5));
+    stage.aimAt(stage.grid.place(1, 22.5));
     for (const int count : {1, 2, 3}) stage.user.tap(count);
     stage.expect("selected by a triple click", "The quick brown fox jumps over the lazy dog.", selected);
 
-    stage.pointAt(stage.grid.place(2, 0));
+    stage.aimAt(stage.grid.place(2, 0));
     stage.user.tap(1);
-    stage.pointAt(stage.grid.place(1, 4));
+    stage.aimAt(stage.grid.place(1, 4));
     stage.user.press();
     stage.pointAt(stage.grid.place(1, 19));
     stage.user.release();
