@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "app/app_coordinator.h"
 #include "app/linux/fd_watch.h"
@@ -28,6 +29,10 @@ class Program {
     SimulatedPhone& phone() { return phone_; }
     CentralBLEManager& link() { return coordinator_.centralManager; }
     TrustedDeviceStore& trustStore() { return coordinator_.trustStore; }
+    /// True when the program knows a key of the desktop's keyboard for this character.
+    [[nodiscard]] bool hasKeyFor(std::string_view character) const {
+        return coordinator_.inputManager.layoutMapper().table().find(character).has_value();
+    }
 
     static constexpr const char* computerName = "Demo Desktop";
 

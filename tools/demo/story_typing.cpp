@@ -11,6 +11,7 @@ namespace {
 
 constexpr auto caretLimit = 2s;
 constexpr int measurements = 10;
+constexpr auto layoutLimit = 2s;
 
 void type(Stage& stage, std::string_view text) {
     stage.user.type(text);
@@ -71,6 +72,20 @@ void strikeKeys(Stage& stage) {
     stage.letter += "Keys: å∫©";
 }
 
+/// The desktop's keyboard changes under the phone's hands; what the phone types stays what it is.
+void typeOnAnotherLayout(Stage& stage) {
+    const auto use = [&](const char* layout, const char* variant, const char* ownCharacter) {
+        stage.expectThat("the desktop's keyboard", layout, [&] {
+            return stage.desktop.setKeyboardLayout(layout, variant) &&
+                   stage.loop.waitUntil([&] { return stage.program.hasKeyFor(ownCharacter); }, layoutLimit);
+        });
+    };
+    use("de", "", "ö");
+    type(stage, "\nZypern & Größe @ {Yoga}");
+    stage.expectLetter("typed through the German layout");
+    use("us", "mac", "∫");
+}
+
 }  // namespace
 
 void typeTheLetter(Stage& stage) {
@@ -89,6 +104,7 @@ void typeTheLetter(Stage& stage) {
     type(stage, "Ünïcödé: å ∫ ü © € – “Привет, Москва!”\n");
     type(stage, "\tEmoji: 😀 🎬 🎧 👍🏽 👩‍💻");
     stage.expectLetter("tab, option characters, Cyrillic, emoji");
+    typeOnAnotherLayout(stage);
     learnWhereTheTextIs(stage);
 }
 
