@@ -130,6 +130,7 @@ X11EventPoster::Outcome X11EventPoster::perform(const MouseEvent& event) {
     const int missing =
         clickRun_.missingClicks(event.button, event.clickState, event.location, queue_.uptime());
     click(button, missing);
+    pointer_.notePress();
     return pressButton(button) ? Outcome::done : Outcome::failed;
 }
 

@@ -106,8 +106,13 @@ void X11Pointer::readAnswer() {
     if (answer) take({answer->root_x, answer->root_y}, expected);
 }
 
+void X11Pointer::notePress() {
+    press_ = Press{pixelOf(location_), queue_.uptime()};
+}
+
 void X11Pointer::take(Pixel actual, Pixel expected) {
     if (actual == expected) return;
+    if (press_ && actual == press_->place && queue_.uptime() - press_->time <= holdTime) return;
     // Somebody else has moved it; what we have sent since is added to that.
     const Pixel known = pixelOf(location_);
     location_ = {static_cast<double>(known.x + actual.x - expected.x),

@@ -26,6 +26,8 @@ class X11Pointer {
     static constexpr std::chrono::milliseconds trustTime{50};
     /// Closer to the edge of its display than this many pixels, the pointer's place is asked for.
     static constexpr double edgeMargin = 100;
+    /// How long after a press a window manager may still hold it back.
+    static constexpr std::chrono::milliseconds holdTime{500};
     /// The most moves that an answer may take.
     static constexpr int maximumUnconfirmed = 16;
 
@@ -42,6 +44,10 @@ class X11Pointer {
     /// Moves to a point of a display, as seen from the location that was told last. False when the server has
     /// gone.
     bool moveTo(Point target);
+    /// A button is pressed where the pointer is. A window manager may hold the press back until it has
+    /// decided which window gets it; until then the server tells the place of the press, whatever has been
+    /// sent since, and carries that out afterwards.
+    void notePress();
 
   private:
     struct Pixel {
@@ -72,6 +78,12 @@ class X11Pointer {
     /// When we last moved it; nothing before the first time.
     std::optional<std::chrono::nanoseconds> lastMove_;
     std::optional<Question> question_;
+    struct Press {
+        Pixel place;
+        std::chrono::nanoseconds time;
+    };
+    /// The latest press of ours.
+    std::optional<Press> press_;
 };
 
 }  // namespace orbinex

@@ -50,6 +50,31 @@ TEST_F(X11PointerTest, movesAddUpToTheLastFraction) {
     EXPECT_EQ(pointer(), std::pair(x, y));
 }
 
+TEST_F(X11PointerTest, movesAfterAPressThatAWindowManagerHoldsBackAreNotLost) {
+    X11Input input(server->display());
+    const auto [x, y] = pointer();
+    move(input, static_cast<float>(150 - x), 0);
+    // As window managers do to raise the window that is clicked.
+    client->holdPressesBack();
+    const auto button = [&](KeyState state) {
+        input.manager.handle({DecodedPacket::MouseButtonChange{MouseButton::left, state}});
+    };
+    button(KeyState::pressed);
+    // The last one leads close to the edge, where the exact place counts.
+    for (const float dx : {-15.0F, -15.0F, -15.0F, -60.0F}) {
+        move(input, dx, 1);
+        input.sync();
+    }
+    EXPECT_EQ(pointer(), std::pair(150, y)) << "the press is held back";
+    client->letPressesGo();
+    input.sync();
+    EXPECT_EQ(pointer(), std::pair(45, y + 4));
+    button(KeyState::released);
+    move(input, 5, 0);
+    input.sync();
+    EXPECT_EQ(pointer(), std::pair(50, y + 4));
+}
+
 TEST_F(X11PointerTest, otherPeoplesMovesBetweenOursCount) {
     X11Input input(server->display());
     const int x = pointer().first;

@@ -279,4 +279,16 @@ void XClient::lockGroup(unsigned group) const {
     XSync(display_, False);
 }
 
+void XClient::holdPressesBack() const {
+    XGrabButton(display_, Button1, AnyModifier, DefaultRootWindow(display_), False, ButtonPressMask,
+                GrabModeSync, GrabModeAsync, None, None);
+    XSync(display_, False);
+}
+
+void XClient::letPressesGo() const {
+    XAllowEvents(display_, ReplayPointer, CurrentTime);
+    XUngrabButton(display_, Button1, AnyModifier, DefaultRootWindow(display_));
+    XSync(display_, False);
+}
+
 }  // namespace orbinex::test

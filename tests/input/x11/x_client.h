@@ -65,6 +65,10 @@ class XClient {
     void lockModifiers(unsigned mask, unsigned values) const;
     void latchModifiers(unsigned mask, unsigned values) const;
     void lockGroup(unsigned group) const;
+    /// Holds every press of the left button back, before any window sees it, as window managers do.
+    void holdPressesBack() const;
+    /// Hands on what was held back, and holds no more.
+    void letPressesGo() const;
 
     [[nodiscard]] _XDisplay* display() const { return display_; }
 
