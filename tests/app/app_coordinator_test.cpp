@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "editor_bridge/idle_editor_bridge.h"
 #include "sim/memory_defaults.h"
+#include "sim/recording_bridge.h"
 #include "sim/recording_event_poster.h"
 #include "sim/scripted_layout.h"
 #include "sim/simulated_radio.h"
@@ -14,18 +14,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-class TransportBridge final : public EditorBridge {
-  public:
-    void setBLEClientConnected(bool) override {}
-    void handleCommand(const DAWCommand&) override {}
-    void handleTransportKey(std::uint16_t keycode, ModifierFlags modifiers) override {
-        keys.emplace_back(keycode, modifiers);
-    }
-    [[nodiscard]] std::string activeBundleID() const override { return {}; }
-    [[nodiscard]] SessionTelemetry currentTelemetry() const override { return {}; }
-    std::vector<std::pair<std::uint16_t, ModifierFlags>> keys;
-};
-
 struct Program {
     VirtualMainQueue queue;
     MemoryDefaults defaults;
@@ -33,7 +21,7 @@ struct Program {
     WakeNotifier wake;
     RecordingEventPoster poster;
     ScriptedLayoutSource layouts;
-    TransportBridge bridge;
+    RecordingBridge bridge;
     AppPreferences preferences{defaults};
     SimulatedPhone& phone = radio.addPhone(UUID::random(), {2, UUID::random(), "Studio iPhone"});
     AppCoordinator app{preferences,
@@ -68,7 +56,8 @@ TEST(AppCoordinator, tellsTheEditorBridgeOfPressedKeys) {
     program.phone.send(DecodedPacket{DecodedPacket::KeyStroke{49, ModifierFlags::shift, KeyState::pressed}});
     program.phone.send(DecodedPacket{DecodedPacket::KeyStroke{49, ModifierFlags::shift, KeyState::released}});
     program.queue.runDue();
-    EXPECT_EQ(program.bridge.keys, (std::vector{std::pair(std::uint16_t{49}, ModifierFlags::shift)}));
+    EXPECT_EQ(program.bridge.transportKeys,
+              (std::vector{std::pair(std::uint16_t{49}, ModifierFlags::shift)}));
 }
 
 TEST(AppCoordinator, storesTheTrustedPhoneAndFindsItAgainAfterARestart) {

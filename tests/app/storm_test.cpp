@@ -9,9 +9,9 @@
 #include <gtest/gtest.h>
 
 #include "app/app_coordinator.h"
-#include "editor_bridge/idle_editor_bridge.h"
 #include "protocol/gatt.h"
 #include "sim/memory_defaults.h"
+#include "sim/recording_bridge.h"
 #include "sim/recording_event_poster.h"
 #include "sim/scripted_layout.h"
 #include "sim/simulated_radio.h"
@@ -21,16 +21,6 @@ namespace orbinex {
 namespace {
 
 using namespace std::chrono_literals;
-
-class NotingBridge final : public EditorBridge {
-  public:
-    void setBLEClientConnected(bool connected) override { isConnected = connected; }
-    void handleCommand(const DAWCommand&) override {}
-    void handleTransportKey(std::uint16_t, ModifierFlags) override {}
-    [[nodiscard]] std::string activeBundleID() const override { return "org.example.editor"; }
-    [[nodiscard]] SessionTelemetry currentTelemetry() const override { return {}; }
-    bool isConnected = false;
-};
 
 /// What is down on the desktop, told from the events alone.
 class HeldDown {
@@ -283,6 +273,8 @@ class Storm {
             ASSERT_TRUE(*link.isScanning);
         }
         held_.follow(poster_);
+        bridge_.commands.clear();
+        bridge_.transportKeys.clear();
         if (phase != LinkPhase::connected) {
             ASSERT_FALSE(held_.anything()) << "held without a session";
         }
@@ -302,7 +294,7 @@ class Storm {
     WakeNotifier wake_;
     RecordingEventPoster poster_;
     ScriptedLayoutSource layouts_;
-    NotingBridge bridge_;
+    RecordingBridge bridge_;
     std::vector<SimulatedPhone*> phones_;
     std::unique_ptr<AppPreferences> preferences_;
     std::unique_ptr<AppCoordinator> app_;

@@ -5,34 +5,13 @@
 #include <string>
 #include <vector>
 
-#include "editor_bridge/editor_bridge.h"
 #include "link/central_ble_manager.h"
 #include "sim/memory_defaults.h"
+#include "sim/recording_bridge.h"
 #include "sim/simulated_radio.h"
 #include "sim/virtual_main_queue.h"
 
 namespace orbinex {
-
-/// A bridge that notes what the link tells it.
-class RecordingBridge final : public EditorBridge {
-  public:
-    void setBLEClientConnected(bool connected) override { isConnected = connected; }
-    void handleCommand(const DAWCommand& command) override { commands.push_back(command); }
-    void handleTransportKey(std::uint16_t, ModifierFlags) override {}
-    [[nodiscard]] std::string activeBundleID() const override { return bundleID; }
-    [[nodiscard]] SessionTelemetry currentTelemetry() const override { return telemetry; }
-
-    bool isConnected = false;
-    std::vector<DAWCommand> commands;
-    std::string bundleID = "org.example.editor";
-    SessionTelemetry telemetry{.timecode = "01:02:03:04",
-                               .fps = 25,
-                               .appVersion = "EDITOR",
-                               .timelineName = "Reel 1",
-                               .pageName = "EDIT",
-                               .playbackSpeed = "0X",
-                               .isPlaying = false};
-};
 
 /// A link with everything around it, in virtual time. What a person would have seen is kept in order.
 class LinkWorld {
