@@ -6,6 +6,8 @@
 
 namespace orbinex {
 
+class FdWatch;
+
 /// The main queue on the Qt event loop of the thread that creates it, which needs an application object.
 /// Timers are precise to a millisecond, never early.
 class QtMainQueue final : public MainQueue {
@@ -25,6 +27,7 @@ class QtMainQueue final : public MainQueue {
     Timer arm(Delay delay, bool isRepeated, Job job);
 
     std::shared_ptr<Dispatcher> dispatcher_;
+    std::unique_ptr<FdWatch> watch_;
 };
 
 }  // namespace orbinex

@@ -3,6 +3,8 @@
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <algorithm>
+#include <functional>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
@@ -117,6 +119,44 @@ TEST_F(QtMainQueueTest, mayGoBeforeItsTimersAndItsJobs) {
     }
     EXPECT_FALSE(survivor.isActive());
     const Timer end = queue_.after(10ms, [this] { done(); });
+    runUntilDone();
+}
+
+TEST_F(QtMainQueueTest, mayGoInOneOfItsPostedJobs) {
+    auto gone = std::make_unique<QtMainQueue>();
+    bool hasRun = false;
+    gone->post([&, keep = std::string(100, 'x')] {
+        gone.reset();
+        hasRun = true;
+        EXPECT_EQ(keep.size(), 100u) << "the job outlives its queue while it runs";
+    });
+    gone->post([] { FAIL(); });
+    const Timer end = queue_.after(10ms, [this] { done(); });
+    runUntilDone();
+    EXPECT_TRUE(hasRun);
+}
+
+TEST_F(QtMainQueueTest, runsTheJobsAfterOneThatWaitsForThemInALoopOfItsOwn) {
+    std::vector<int> order;
+    queue_.post([&] {
+        QEventLoop inner;
+        queue_.post([&] {
+            order.push_back(2);
+            inner.quit();
+        });
+        inner.exec();
+        order.push_back(3);
+        done();
+    });
+    queue_.post([&] { order.push_back(1); });
+    runUntilDone();
+    EXPECT_EQ(order, (std::vector{1, 2, 3}));
+}
+
+TEST_F(QtMainQueueTest, letsTimersRunBesideAJobThatPostsItselfForEver) {
+    std::function<void()> again = [&] { queue_.post(again); };
+    again();
+    const Timer end = queue_.after(5ms, [this] { done(); });
     runUntilDone();
 }
 
