@@ -68,6 +68,12 @@ struct Characteristic {
 
 enum class WriteType { withResponse, withoutResponse };
 
+/// At whose wish something happens.
+enum class Initiative {
+    user,     ///< a person has just asked for it
+    program,  ///< by itself
+};
+
 /// The platform's Bluetooth Low Energy central role. Everything runs on the main thread. No operation waits,
 /// and none calls the delegate before it returns. Operations on a peripheral that is not connected, and any
 /// operation while the state is not poweredOn, do nothing.
@@ -125,8 +131,10 @@ class BluetoothCentral {
 
     /// Asks for a connection. The request stays open until the device comes into range; asking again for an
     /// open request changes nothing, and a device that is connected is reported as connected again. A request
-    /// made while an earlier connection is being cancelled takes effect after that.
-    virtual void connect(const UUID& peripheral) = 0;
+    /// made while an earlier connection is being cancelled takes effect after that. A device whose connection
+    /// this side has just ended may be left in peace for a while, and a device that has to be paired first may
+    /// be refused, unless the user asks.
+    virtual void connect(const UUID& peripheral, Initiative initiative) = 0;
     /// Ends the connection or the request.
     virtual void cancelConnection(const UUID& peripheral) = 0;
     [[nodiscard]] virtual bool isConnected(const UUID& peripheral) const = 0;

@@ -153,7 +153,7 @@ std::vector<Peripheral> SimulatedRadio::retrieveConnectedPeripherals(const UUID&
 
 // Connections
 
-void SimulatedRadio::connect(const UUID& peripheral) {
+void SimulatedRadio::connect(const UUID& peripheral, Initiative) {
     if (state_ != BluetoothState::poweredOn) return;
     auto& link = links_[peripheral];
     switch (link.state) {

@@ -24,7 +24,7 @@ class AbsentBluetooth final : public BluetoothCentral {
     void stopScan() override {}
     [[nodiscard]] std::vector<Peripheral> retrievePeripherals(std::span<const UUID>) override { return {}; }
     [[nodiscard]] std::vector<Peripheral> retrieveConnectedPeripherals(const UUID&) override { return {}; }
-    void connect(const UUID&) override {}
+    void connect(const UUID&, Initiative) override {}
     void cancelConnection(const UUID&) override {}
     [[nodiscard]] bool isConnected(const UUID&) const override { return false; }
     void discoverServices(const UUID&, std::span<const UUID>) override {}

@@ -1,0 +1,66 @@
+#include "link/bluez/bluez_discovery.h"
+
+#include "link/bluez/bluez_names.h"
+
+namespace orbinex {
+
+void BluezDiscovery::reset(const QString& adapter) {
+    calls_ = std::make_unique<Lifetime>();
+    adapter_ = adapter;
+    wanted_.reset();
+    isRunning_ = false;
+    isCalling_ = false;
+    retry_.cancel();
+}
+
+void BluezDiscovery::want(const std::optional<UUID>& service) {
+    wanted_ = service;
+    proceed();
+}
+
+void BluezDiscovery::ended() {
+    isRunning_ = false;
+    proceed();
+}
+
+void BluezDiscovery::proceed() {
+    if (adapter_.isEmpty() || isCalling_ || retry_.isActive() || wanted_.has_value() == isRunning_) return;
+    isCalling_ = true;
+    if (wanted_) {
+        setFilter();
+    } else {
+        startOrStop(false);
+    }
+}
+
+void BluezDiscovery::setFilter() {
+    const QVariantMap filter{{"Transport", "le"},
+                             {"UUIDs", QStringList{QString::fromStdString(wanted_->text()).toLower()}},
+                             {"DuplicateData", true}};
+    // A filter that is refused costs reports of devices that are not ours, nothing more.
+    bus_.call(adapter_, Bluez::adapter, "SetDiscoveryFilter", {filter}, BluezBus::ordinaryLimit,
+              calls_->guard([this](const BluezBus::Reply&) { startOrStop(true); }));
+}
+
+void BluezDiscovery::startOrStop(bool isStart) {
+    bus_.call(adapter_, Bluez::adapter, isStart ? "StartDiscovery" : "StopDiscovery", {},
+              BluezBus::ordinaryLimit, calls_->guard([this, isStart](const BluezBus::Reply& reply) {
+                  isCalling_ = false;
+                  const auto& error = reply.error;
+                  const bool isAlready =
+                      error && (error->name == QLatin1String("org.bluez.Error.InProgress") ||
+                                error->text == QLatin1String("No discovery started"));
+                  if (!error || isAlready) {
+                      isRunning_ = isStart;
+                  } else {
+                      retry_ = queue_.after(retryInterval, [this] {
+                          retry_.cancel();
+                          proceed();
+                      });
+                      return;
+                  }
+                  proceed();
+              }));
+}
+
+}  // namespace orbinex

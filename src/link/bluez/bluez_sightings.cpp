@@ -1,0 +1,30 @@
+#include "link/bluez/bluez_sightings.h"
+
+namespace orbinex {
+
+bool BluezSightings::heard(const UUID& device, Uptime now) {
+    const auto [found, isNew] = sightings_.try_emplace(device, Sighting{now, now});
+    auto& sighting = found->second;
+    sighting.heard = now;
+    if (!isNew && now - sighting.reported < shortestInterval) return false;
+    sighting.reported = now;
+    return true;
+}
+
+bool BluezSightings::isInSight(const UUID& device, Uptime now) const {
+    const auto found = sightings_.find(device);
+    return found != sightings_.end() && now - found->second.heard <= lifetime;
+}
+
+std::vector<UUID> BluezSightings::due(Uptime now) {
+    std::erase_if(sightings_, [now](const auto& entry) { return now - entry.second.heard > lifetime; });
+    std::vector<UUID> result;
+    for (auto& [device, sighting] : sightings_) {
+        if (now - sighting.reported < repetition) continue;
+        sighting.reported = now;
+        result.push_back(device);
+    }
+    return result;
+}
+
+}  // namespace orbinex

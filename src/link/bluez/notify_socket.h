@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QDBusUnixFileDescriptor>
+#include <QSocketNotifier>
+#include <functional>
+#include <memory>
+
+#include "base/bytes.h"
+
+namespace orbinex {
+
+/// One characteristic's notifications as packets of a socket that bluetoothd has handed over. Closing it,
+/// that is destroying this, ends the subscription. It may be destroyed from within its own callbacks.
+class NotifySocket {
+  public:
+    /// `onValue` gets every packet, valid for the call; `onEnd` is called once, when the other end closes.
+    NotifySocket(QDBusUnixFileDescriptor descriptor, std::function<void(ByteView)> onValue,
+                 std::function<void()> onEnd);
+    NotifySocket(const NotifySocket&) = delete;
+    NotifySocket& operator=(const NotifySocket&) = delete;
+    ~NotifySocket();
+
+  private:
+    void drain();
+
+    QDBusUnixFileDescriptor descriptor_;
+    std::function<void(ByteView)> onValue_;
+    std::function<void()> onEnd_;
+    std::unique_ptr<QSocketNotifier> notifier_;
+    /// Set by the destructor for a drain that is under way.
+    bool* isGone_ = nullptr;
+};
+
+}  // namespace orbinex
