@@ -18,7 +18,6 @@ BluetoothState bluetoothStateOf(BluezDaemon daemon, const BluezAdapter* adapter)
     switch (daemon) {
         case BluezDaemon::unasked: return BluetoothState::unknown;
         case BluezDaemon::absent: return BluetoothState::unsupported;
-        case BluezDaemon::vanished:
         case BluezDaemon::silent: return BluetoothState::resetting;
         case BluezDaemon::refusing: return BluetoothState::unauthorized;
         case BluezDaemon::present: break;

@@ -11,8 +11,7 @@ namespace orbinex {
 /// How bluetoothd stands towards this program.
 enum class BluezDaemon {
     unasked,   ///< nothing is known yet
-    absent,    ///< it is not running, and has not been for a while
-    vanished,  ///< it was running a moment ago
+    absent,    ///< it is not running
     refusing,  ///< it does not let this program in
     silent,    ///< it does not answer
     present,

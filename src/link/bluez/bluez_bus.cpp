@@ -38,12 +38,14 @@ BluezBus::~BluezBus() {
 void BluezBus::start() {
     if (std::exchange(isStarted_, true)) return;
     watcher_.addWatchedService(Bluez::service);
+    connection_.connect({}, {}, "org.freedesktop.DBus.Local", "Disconnected", this, SLOT(busGone()));
     askForOwner();
 }
 
 void BluezBus::stop() {
     if (!std::exchange(isStarted_, false)) return;
     watcher_.removeWatchedService(Bluez::service);
+    connection_.disconnect({}, {}, "org.freedesktop.DBus.Local", "Disconnected", this, SLOT(busGone()));
     ownerQuestion_.reset();
     pending_.clear();
     if (!owner_.isEmpty()) listen(false);
@@ -75,6 +77,10 @@ void BluezBus::setOwner(const QString& owner) {
     onOwnerChanged();
 }
 
+void BluezBus::busGone() {
+    setOwner({});
+}
+
 void BluezBus::listen(bool isOn) {
     const auto set = [&](const char* interface, const char* signal, const char* slot) {
         if (isOn) {
@@ -98,6 +104,7 @@ void BluezBus::call(const QString& path, const char* interface, const char* meth
     pending->done = std::move(done);
     pending->limit = queue_.after(limit, [this, pending] {
         finish(pending, {{}, {}, BluezError{Bluez::noReply, "The Bluetooth service does not answer"}});
+        if (isOwned()) onSilence();
     });
     // Without bluetoothd there is nobody to ask; the limit answers.
     if (owner_.isEmpty()) return;

@@ -42,6 +42,8 @@ class BluezBus final : public QObject {
     /// is no answer within `limit`; never when bluetoothd goes away first, which `onOwnerChanged` tells.
     void call(const QString& path, const char* interface, const char* method, const QVariantList& arguments,
               Delay limit, Completion done);
+    /// Nobody waits for the answers to earlier calls any more.
+    void forgetCalls() { pending_.clear(); }
     /// Whether bluetoothd is running, as far as the bus has told.
     [[nodiscard]] bool isOwned() const { return !owner_.isEmpty(); }
     /// True when the message was sent by the bluetoothd that is running.
@@ -54,6 +56,8 @@ class BluezBus final : public QObject {
 
     /// Its process has come, changed or gone; called at least once, and only then.
     std::function<void()> onOwnerChanged;
+    /// A call was not answered within its limit; called after the call's own completion.
+    std::function<void()> onSilence;
     std::function<void(const QString& path, const BluezInterfaces&)> onInterfacesAdded;
     std::function<void(const QString& path, const QStringList&)> onInterfacesRemoved;
     std::function<void(const QString& path, const QString& interface, const QVariantMap& changed,
@@ -64,6 +68,7 @@ class BluezBus final : public QObject {
     void interfacesAdded(const QDBusMessage& message);
     void interfacesRemoved(const QDBusMessage& message);
     void propertiesChanged(const QDBusMessage& message);
+    void busGone();
 
   private:
     struct Pending {

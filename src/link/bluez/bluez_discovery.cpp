@@ -4,13 +4,22 @@
 
 namespace orbinex {
 
-void BluezDiscovery::reset(const QString& adapter) {
+void BluezDiscovery::useAdapter(const QString& adapter) {
     calls_ = std::make_unique<Lifetime>();
     adapter_ = adapter;
     wanted_.reset();
     isRunning_ = false;
     isCalling_ = false;
     retry_.cancel();
+    round_.cancel();
+}
+
+void BluezDiscovery::end() {
+    if (!adapter_.isEmpty() && (isRunning_ || isCalling_)) {
+        bus_.call(adapter_, Bluez::adapter, "StopDiscovery", {}, BluezBus::ordinaryLimit,
+                  [](const BluezBus::Reply&) {});
+    }
+    useAdapter({});
 }
 
 void BluezDiscovery::want(const std::optional<UUID>& service) {
@@ -33,6 +42,12 @@ void BluezDiscovery::proceed() {
     }
 }
 
+void BluezDiscovery::endRound() {
+    if (isCalling_ || !isRunning_) return;
+    isCalling_ = true;
+    startOrStop(false);
+}
+
 void BluezDiscovery::setFilter() {
     const QVariantMap filter{{"Transport", "le"},
                              {"UUIDs", QStringList{QString::fromStdString(wanted_->text()).toLower()}},
@@ -46,19 +61,17 @@ void BluezDiscovery::startOrStop(bool isStart) {
     bus_.call(adapter_, Bluez::adapter, isStart ? "StartDiscovery" : "StopDiscovery", {},
               BluezBus::ordinaryLimit, calls_->guard([this, isStart](const BluezBus::Reply& reply) {
                   isCalling_ = false;
+                  round_.cancel();
                   const auto& error = reply.error;
                   const bool isAlready =
                       error && (error->name == QLatin1String("org.bluez.Error.InProgress") ||
                                 error->text == QLatin1String("No discovery started"));
-                  if (!error || isAlready) {
-                      isRunning_ = isStart;
-                  } else {
-                      retry_ = queue_.after(retryInterval, [this] {
-                          retry_.cancel();
-                          proceed();
-                      });
+                  if (error && !isAlready) {
+                      retry_ = queue_.after(retryInterval, [this] { proceed(); });
                       return;
                   }
+                  isRunning_ = isStart;
+                  if (isRunning_) round_ = queue_.after(round, [this] { endRound(); });
                   proceed();
               }));
 }

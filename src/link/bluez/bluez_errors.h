@@ -29,7 +29,7 @@ enum class ConnectFailure {
 /// How soon a failure is "at once", while a device out of range takes BlueZ about 40 s to give up on.
 inline constexpr std::chrono::seconds promptFailure{3};
 /// So many failures `perhapsForgotten` in a row mean that the pairing is forgotten.
-inline constexpr int failuresOfForgottenPairing = 2;
+inline constexpr int failuresOfForgottenPairing = 3;
 
 ConnectFailure connectFailure(const BluezError& error, bool isBonded, std::chrono::nanoseconds elapsed);
 /// What the link is told of a device that has forgotten the pairing.

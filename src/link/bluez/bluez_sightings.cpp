@@ -16,15 +16,4 @@ bool BluezSightings::isInSight(const UUID& device, Uptime now) const {
     return found != sightings_.end() && now - found->second.heard <= lifetime;
 }
 
-std::vector<UUID> BluezSightings::due(Uptime now) {
-    std::erase_if(sightings_, [now](const auto& entry) { return now - entry.second.heard > lifetime; });
-    std::vector<UUID> result;
-    for (auto& [device, sighting] : sightings_) {
-        if (now - sighting.reported < repetition) continue;
-        sighting.reported = now;
-        result.push_back(device);
-    }
-    return result;
-}
-
 }  // namespace orbinex

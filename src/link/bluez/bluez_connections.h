@@ -1,0 +1,98 @@
+#pragma once
+
+#include <QString>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+
+#include "base/lifetime.h"
+#include "base/main_queue.h"
+#include "link/bluetooth_central.h"
+#include "link/bluez/bluez_bus.h"
+#include "link/bluez/bluez_devices.h"
+#include "link/bluez/bluez_sightings.h"
+#include "link/bluez/connect_step.h"
+
+namespace orbinex {
+
+/// Keeps connect requests open for as long as the link wants them, over whatever BlueZ makes of single calls,
+/// and ends connections.
+class BluezConnections {
+  public:
+    /// BlueZ 5.66 gives up after some 41 s; no answer after this means that it hangs.
+    static constexpr std::chrono::seconds connectLimit{60};
+
+    struct Handlers {
+        std::function<void(const UUID&)> onConnected;
+        std::function<void(const UUID&, const BluetoothError*)> onFailed;
+        std::function<void(const UUID&, const BluetoothError*)> onDisconnected;
+    };
+
+    BluezConnections(BluezBus& bus, MainQueue& queue, const BluezDevices& devices,
+                     const BluezSightings& sightings, Handlers handlers)
+        : bus_(bus),
+          queue_(queue),
+          devices_(devices),
+          sightings_(sightings),
+          handlers_(std::move(handlers)) {}
+
+    /// Forgets everything without a word or a call.
+    void clear();
+    /// Calls off everything, and forgets it.
+    void endAll();
+
+    void connect(const UUID& device, Initiative initiative);
+    void cancel(const UUID& device);
+    /// True for a connection that was reported and stands.
+    [[nodiscard]] bool isConnected(const UUID& device) const;
+    /// At whose wish it was connected.
+    [[nodiscard]] Initiative initiative(const UUID& device) const;
+
+    /// Something about the device is different, or it was heard.
+    void review(const UUID& device);
+    void reviewAll();
+    /// While a device is being paired, the end of its connection is not reported.
+    void setPairing(const UUID& device, bool isPairing);
+    /// The connection has proved to be good: the device has told its services.
+    void established(const UUID& device);
+
+  private:
+    struct Contact {
+        std::optional<Initiative> wish;
+        Initiative initiative = Initiative::program;
+        bool isReported = false;
+        bool isProven = false;
+        bool isPairing = false;
+        bool isConnecting = false;
+        bool isCancelling = false;
+        bool isDisconnecting = false;
+        /// Of the Connect call, or of the connection.
+        std::chrono::nanoseconds began{0};
+        std::chrono::nanoseconds restsUntil{0};
+        /// Connections in a row that this device, though bonded, ended at once.
+        int promptFailures = 0;
+        Timer rest;
+    };
+
+    [[nodiscard]] ConnectFacts facts(const UUID& device, const Contact& contact) const;
+    void later(const UUID& device);
+    bool perform(ConnectStep step, const UUID& device);
+    void callConnect(const UUID& device);
+    void connectAnswered(const UUID& device, const BluezBus::Reply& reply);
+    void callDisconnect(const UUID& device);
+    void reportDisconnected(const UUID& device);
+    void rest(Contact& contact, std::chrono::nanoseconds time);
+    [[nodiscard]] Contact* contact(const UUID& device);
+
+    BluezBus& bus_;
+    MainQueue& queue_;
+    const BluezDevices& devices_;
+    const BluezSightings& sightings_;
+    Handlers handlers_;
+    std::map<UUID, Contact> contacts_;
+    /// Answers to calls that were made before everything was forgotten are for nobody.
+    std::unique_ptr<Lifetime> calls_ = std::make_unique<Lifetime>();
+};
+
+}  // namespace orbinex

@@ -1,0 +1,105 @@
+#pragma once
+
+#include <QString>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "base/lifetime.h"
+#include "base/main_queue.h"
+#include "link/bluetooth_central.h"
+#include "link/bluez/bluez_bus.h"
+#include "link/bluez/bluez_connections.h"
+#include "link/bluez/bluez_devices.h"
+#include "link/bluez/bluez_pairing.h"
+#include "link/bluez/notify_socket.h"
+
+namespace orbinex {
+
+/// Services and characteristics of connected devices. Nothing is read from or subscribed to on a device that
+/// is not bonded: BlueZ encrypts the connection of a bonded one before it uses it, and another may be
+/// anybody.
+class BluezGatt {
+  public:
+    /// The Attribute Protocol gives up on a request after 30 s (Core Specification, Vol 3, Part F, 3.3.3).
+    static constexpr std::chrono::seconds requestLimit{35};
+    /// A subscription that ends on a standing connection is made anew after this, unless that ends too.
+    static constexpr std::chrono::seconds resubscribeDelay{1};
+    /// Writes that BlueZ has not yet taken; what goes beyond is dropped, as the radio would.
+    static constexpr int maximumUnansweredWrites = 64;
+
+    BluezGatt(BluezBus& bus, MainQueue& queue, const BluezObjects& objects, const BluezDevices& devices,
+              BluezConnections& connections, BluezPairing& pairing);
+
+    /// Who is told; null is nobody.
+    void setDelegate(BluetoothCentral::Delegate* delegate) { delegate_ = delegate; }
+    /// Forgets everything without a word or a call.
+    void clear();
+
+    void discoverServices(const UUID& device, std::span<const UUID> services);
+    void discoverCharacteristics(const UUID& device, const UUID& service, std::span<const UUID> wanted);
+    void readValue(const UUID& device, const UUID& characteristic);
+    void setNotify(const UUID& device, const UUID& characteristic, bool enabled);
+    void writeValue(const UUID& device, const UUID& characteristic, ByteView value, WriteType type);
+    /// The connection has ended, or is no longer wanted.
+    void end(const UUID& device);
+
+    /// Properties of the device, or its services, are not what they were.
+    void review(const UUID& device);
+    void reviewAll();
+    /// A characteristic has told its value.
+    void valueChanged(const QString& path, const QVariantMap& changed);
+
+  private:
+    struct Channel {
+        QString path;
+        bool canWriteWithoutResponse = false;
+        bool offersNotifySocket = false;
+        bool isWanted = false;
+        bool isStarted = false;  ///< notifications come as signals
+        std::unique_ptr<NotifySocket> socket;
+        Timer resubscription;
+    };
+    /// With one connected device.
+    struct Conversation {
+        /// Shared with a call of the delegate, which may end the conversation.
+        std::shared_ptr<const Peripheral> peripheral;
+        std::optional<std::vector<UUID>> question;  ///< services that are asked for
+        std::map<UUID, QString> services;
+        std::map<UUID, Channel> channels;
+        int unansweredWrites = 0;
+        /// Answers to calls of an earlier conversation are for nobody.
+        std::unique_ptr<Lifetime> calls = std::make_unique<Lifetime>();
+    };
+
+    [[nodiscard]] Conversation* conversation(const UUID& device);
+    [[nodiscard]] Channel* channel(const UUID& device, const UUID& characteristic);
+    void answerServices(const UUID& device);
+    void dropWithdrawnServices(const UUID& device);
+    void read(const UUID& device, const UUID& characteristic);
+    void pairThenRead(const UUID& device, const UUID& characteristic);
+    void valueRead(const UUID& device, const UUID& characteristic, const BluezBus::Reply& reply);
+    void acquire(const UUID& device, const UUID& characteristic);
+    void acquired(const UUID& device, const UUID& characteristic, const BluezBus::Reply& reply);
+    void startNotify(const UUID& device, const UUID& characteristic);
+    void socketEnded(const UUID& device, const UUID& characteristic);
+    void unsubscribe(Channel& channel);
+    void reportValue(const UUID& device, const UUID& characteristic, ByteView value,
+                     const BluetoothError* error);
+    void reportNotification(const UUID& device, const UUID& characteristic, bool isNotifying,
+                            const BluetoothError* error);
+
+    BluezBus& bus_;
+    MainQueue& queue_;
+    const BluezObjects& objects_;
+    const BluezDevices& devices_;
+    BluezConnections& connections_;
+    BluezPairing& pairing_;
+    BluetoothCentral::Delegate* delegate_ = nullptr;
+    std::map<UUID, Conversation> conversations_;
+};
+
+}  // namespace orbinex
