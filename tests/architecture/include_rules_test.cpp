@@ -40,6 +40,7 @@ const std::map<std::string, Rule> logic{
 /// knows.
 const std::map<std::string, Names> adapters{
     {"input/x11", {"input", "protocol", "base"}},
+    {"input/uinput", {"input"}},
     {"link/bluez", {"link", "protocol", "base"}},
     {"app/linux", {"app", "link", "base"}},
 };

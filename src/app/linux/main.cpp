@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <cstdio>
+#include <system_error>
 
 #include "app/app_coordinator.h"
 #include "app/linux/absent_bluetooth.h"
@@ -11,6 +12,7 @@
 #include "app/linux/settings_defaults.h"
 #include "app/linux/unix_signals.h"
 #include "editor_bridge/idle_editor_bridge.h"
+#include "input/uinput/uinput_scroll.h"
 #include "input/x11/x11_connection.h"
 #include "input/x11/x11_event_poster.h"
 #include "input/x11/x11_keyboard_layout_source.h"
@@ -39,7 +41,13 @@ int main(int argc, char** argv) {
     }
     SettingsDefaults defaults;
     AppPreferences preferences(defaults);
-    X11EventPoster poster(*display, queue, {.commandKey = preferences.commandKey()});
+    std::error_code whyNoDevice;
+    const auto scrollDevice = UinputScroll::open(whyNoDevice);
+    if (!scrollDevice)
+        std::fprintf(stderr, "orbinex: scrolling by whole wheel clicks, as /dev/uinput cannot be used: %s.\n",
+                     whyNoDevice.message().c_str());
+    X11EventPoster poster(*display, queue,
+                          {.commandKey = preferences.commandKey(), .scrollSink = scrollDevice.get()});
     X11KeyboardLayoutSource layouts(*display, queue);
     const FdWatch displayEvents(display->fd(), [&] {
         display->processEvents();

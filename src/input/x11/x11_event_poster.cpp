@@ -36,11 +36,13 @@ X11EventPoster::X11EventPoster(X11Connection& connection, MainQueue& queue)
 X11EventPoster::X11EventPoster(X11Connection& connection, MainQueue& queue, Options options)
     : connection_(connection),
       queue_(queue),
-      scrollSink_(options.scrollSink),
       ledger_(connection),
       displays_(connection),
       pointer_(connection, displays_, queue),
-      keyboard_(connection, ledger_, options.commandKey) {}
+      keyboard_(connection, ledger_, options.commandKey),
+      scrollSink_(options.scrollSink) {
+    if (scrollSink_) scrollDevice_.emplace(connection, std::string(scrollSink_->deviceName()));
+}
 
 X11EventPoster::~X11EventPoster() {
     releaseEverything();
@@ -156,7 +158,7 @@ void X11EventPoster::click(unsigned button, int times) {
 }
 
 X11EventPoster::Outcome X11EventPoster::perform(const ScrollEvent& event) {
-    if (scrollSink_) return scrollSink_->scroll(event) ? Outcome::done : Outcome::failed;
+    if (scrollDevice_ && scrollDevice_->isInUse() && scrollSink_->scroll(event)) return Outcome::done;
     wheel(vertical_.add(event.wheel1), wheelUp, wheelDown);
     wheel(horizontal_.add(event.wheel2), wheelLeft, wheelRight);
     return Outcome::done;

@@ -7,11 +7,12 @@
 
 #include "base/main_queue.h"
 #include "input/event_poster.h"
+#include "input/scroll_sink.h"
+#include "input/wheel_clicks.h"
 #include "input/x11/click_run.h"
 #include "input/x11/held_ledger.h"
-#include "input/x11/scroll_sink.h"
-#include "input/x11/wheel_clicks.h"
 #include "input/x11/x11_connection.h"
+#include "input/x11/x11_device_watch.h"
 #include "input/x11/x11_displays.h"
 #include "input/x11/x11_keyboard.h"
 #include "input/x11/x11_pointer.h"
@@ -27,7 +28,7 @@ class X11EventPoster final : public EventPoster {
   public:
     struct Options {
         CommandKey commandKey = CommandKey::control;
-        /// Takes the scrolling when there is one; must outlive the poster.
+        /// Takes the scrolling while the server takes input from it; must outlive the poster.
         ScrollSink* scrollSink = nullptr;
     };
     /// Events that may wait behind text; more than this are refused, except releases.
@@ -76,12 +77,14 @@ class X11EventPoster final : public EventPoster {
 
     X11Connection& connection_;
     MainQueue& queue_;
-    ScrollSink* scrollSink_;
     HeldLedger ledger_;
     X11Displays displays_;
     X11Pointer pointer_;
     X11Keyboard keyboard_;
     ClickRun clickRun_;
+    ScrollSink* scrollSink_;
+    /// Follows the sink's device; nothing without one.
+    std::optional<X11DeviceWatch> scrollDevice_;
     WheelClicks vertical_;
     WheelClicks horizontal_;
 

@@ -259,21 +259,6 @@ TEST_F(X11PointerTest, scrollsBecomeWheelClicksWithTheRestCarried) {
     EXPECT_EQ(scroll(0, 1e30F), Buttons(10, 5));
 }
 
-TEST_F(X11PointerTest, aFinerDeviceTakesTheScrollingWhole) {
-    struct Sink final : ScrollSink {
-        std::vector<ScrollEvent> events;
-        bool scroll(const ScrollEvent& event) override {
-            events.push_back(event);
-            return true;
-        }
-    } sink;
-    X11Input input(server->display(), {CommandKey::control, &sink});
-    presses(input);
-    input.manager.handle({DecodedPacket::MouseScroll{0.5F, -20}});
-    EXPECT_EQ(sink.events, (std::vector<ScrollEvent>{{200, -5}}));
-    EXPECT_TRUE(presses(input).empty());
-}
-
 TEST_F(X11PointerTest, movesClicksAndScrollsAllocateNothing) {
     X11Input input(server->display());
     const auto everything = [&] {
