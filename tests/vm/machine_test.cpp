@@ -2,11 +2,12 @@
 
 #include <array>
 #include <filesystem>
+#include <initializer_list>
 #include <string>
+#include <string_view>
 
 #include <fcntl.h>
 #include <linux/uinput.h>
-#include <poll.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -18,15 +19,6 @@ namespace {
 using namespace std::chrono_literals;
 
 class MachineCheck : public Scenario {};
-
-/// The file under which programs read an input device, which the kernel calls such as "input3".
-std::filesystem::path eventNode(const std::string& name) {
-    for (const auto& entry : std::filesystem::directory_iterator("/sys/devices/virtual/input/" + name)) {
-        const std::string file = entry.path().filename();
-        if (file.starts_with("event")) return "/dev/input/" + file;
-    }
-    return {};
-}
 
 TEST_F(MachineCheck, hasAControllerForTheProgramAndTwoForPhones) {
     EXPECT_EQ(bluetooth().adapters(),
@@ -85,32 +77,60 @@ TEST_F(MachineCheck, runsTheProgramOnTheDesktop) {
     endProgram();
 }
 
-TEST_F(MachineCheck, letsADeviceBeMadeOfUinput) {
-    const int made = ::open("/dev/uinput", O_WRONLY | O_NONBLOCK | O_CLOEXEC);
-    ASSERT_GE(made, 0);
-    uinput_setup setup{};
-    setup.id.bustype = BUS_VIRTUAL;
-    std::string_view("orbinex check").copy(setup.name, sizeof setup.name - 1);
-    ASSERT_EQ(::ioctl(made, UI_SET_EVBIT, EV_REL), 0);
-    ASSERT_EQ(::ioctl(made, UI_SET_RELBIT, REL_WHEEL_HI_RES), 0);
-    ASSERT_EQ(::ioctl(made, UI_DEV_SETUP, &setup), 0);
-    ASSERT_EQ(::ioctl(made, UI_DEV_CREATE), 0);
+/// A wheel made of uinput, as long as this lives.
+class VirtualWheel {
+  public:
+    VirtualWheel() : fd_(::open("/dev/uinput", O_WRONLY | O_NONBLOCK | O_CLOEXEC)) {
+        uinput_setup setup{};
+        setup.id.bustype = BUS_VIRTUAL;
+        std::string_view("orbinex check").copy(setup.name, sizeof setup.name - 1);
+        set(UI_SET_EVBIT, {EV_REL, EV_KEY});
+        // Without motion and a button it is not taken for a mouse.
+        set(UI_SET_KEYBIT, {BTN_LEFT});
+        set(UI_SET_RELBIT, {REL_X, REL_Y, REL_WHEEL, REL_WHEEL_HI_RES});
+        isThere_ = ::ioctl(fd_, UI_DEV_SETUP, &setup) == 0 && ::ioctl(fd_, UI_DEV_CREATE) == 0;
+    }
+    VirtualWheel(const VirtualWheel&) = delete;
+    VirtualWheel& operator=(const VirtualWheel&) = delete;
+    ~VirtualWheel() { ::close(fd_); }
 
-    std::array<char, 64> name{};
-    ASSERT_GE(::ioctl(made, UI_GET_SYSNAME(name.size()), name.data()), 0);
-    const auto node = eventNode(name.data());
-    const int read = ::open(node.c_str(), O_RDONLY | O_CLOEXEC);
-    ASSERT_GE(read, 0) << node;
-    for (const input_event& event : {input_event{{}, EV_REL, REL_WHEEL_HI_RES, 15}, input_event{}})
-        ASSERT_EQ(::write(made, &event, sizeof event), static_cast<ssize_t>(sizeof event));
-    pollfd waiting{read, POLLIN, 0};
-    ASSERT_EQ(::poll(&waiting, 1, 10'000), 1);
-    input_event seen{};
-    ASSERT_EQ(::read(read, &seen, sizeof seen), static_cast<ssize_t>(sizeof seen));
-    EXPECT_EQ(seen.code, REL_WHEEL_HI_RES);
-    EXPECT_EQ(seen.value, 15);
-    ::close(read);
-    ::close(made);
+    [[nodiscard]] bool isThere() const { return isThere_; }
+    /// The file under which programs read it; empty when there is none.
+    [[nodiscard]] std::string node() const {
+        std::array<char, 64> name{};
+        ::ioctl(fd_, UI_GET_SYSNAME(name.size()), name.data());
+        const std::string folder = std::string("/sys/devices/virtual/input/") + name.data();
+        for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+            const std::string file = entry.path().filename();
+            if (file.starts_with("event")) return "/dev/input/" + file;
+        }
+        return {};
+    }
+    void turn(int amount) const {
+        for (const input_event& event : {input_event{{}, EV_REL, REL_WHEEL_HI_RES, amount}, input_event{}})
+            ASSERT_EQ(::write(fd_, &event, sizeof event), static_cast<ssize_t>(sizeof event));
+    }
+
+  private:
+    void set(unsigned long request, std::initializer_list<int> bits) const {
+        for (const int bit : bits) ::ioctl(fd_, request, bit);
+    }
+
+    int fd_;
+    bool isThere_ = false;
+};
+
+TEST_F(MachineCheck, letsLibinputReadADeviceMadeOfUinput) {
+    const VirtualWheel wheel;
+    ASSERT_TRUE(wheel.isThere());
+    Process& settled = start("udevadm", {"udevadm", "settle"});
+    ASSERT_EQ(settled.waitForEnd(20s), 0);
+    Process& events =
+        start("libinput", {"stdbuf", "-oL", "libinput", "debug-events", "--device", wheel.node()});
+    ASSERT_TRUE(events.waitFor("DEVICE_ADDED", 20s));
+    // Less than half a click would be taken for a jolt.
+    wheel.turn(-90);
+    EXPECT_TRUE(events.waitFor(std::regex("POINTER_SCROLL_WHEEL.*vert 11\\.25/90\\.0"), 20s));
 }
 
 TEST_F(MachineCheck, hasAnAlsaSequencer) {
