@@ -2,6 +2,7 @@
 
 #include <QDBusArgument>
 #include <QDBusObjectPath>
+#include <QDBusVariant>
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -35,11 +36,16 @@ BluezCentral::BluezCentral(const QDBusConnection& connection, Ports ports)
                     [this](const UUID& device, const BluetoothError* error) {
                         gatt_.end(device);
                         if (delegate_) delegate_->peripheralDisconnected(devices_.peripheral(device), error);
-                    }}),
+                    },
+                    [this](const UUID& device) { askWhetherConnected(device); },
+                    [this](bool isConnecting) { discovery_.setPaused(isConnecting); }}),
       pairing_(bus_, ports.prompt),
-      gatt_(bus_, ports.queue, objects_, devices_, connections_, pairing_) {
+      gatt_(bus_, ports.queue, objects_, devices_, connections_, pairing_, [this] { askForObjects(); }) {
     bus_.onOwnerChanged = [this] { ownerChanged(); };
-    bus_.onSilence = [this] { setDaemon(BluezDaemon::silent); };
+    // Some calls wait for the radio. Whether bluetoothd itself hangs shows in one that does not.
+    bus_.onSilence = [this] {
+        if (daemon_ == BluezDaemon::present) askForObjects();
+    };
     bus_.onInterfacesAdded = [this](const auto&... arguments) { objectAdded(arguments...); };
     bus_.onInterfacesRemoved = [this](const auto&... arguments) { objectRemoved(arguments...); };
     bus_.onPropertiesChanged = [this](const auto&... arguments) { objectChanged(arguments...); };
@@ -110,7 +116,20 @@ void BluezCentral::objectsTold(const BluezBus::Reply& reply) {
     if (!isPoweredOn()) return;
     for (const auto& path : objects_.pathsWith(Bluez::device, adapter_)) devices_.noticed(path);
     connections_.reviewAll();
-    gatt_.reviewAll();
+    gatt_.objectsTold();
+}
+
+/// Not for all its properties: that the services are resolved may be answered before the signals that tell of
+/// them.
+void BluezCentral::askWhetherConnected(const UUID& device) {
+    const auto object = devices_.find(device);
+    if (!object) return;
+    bus_.call(object->path, Bluez::properties, "Get", {Bluez::device, "Connected"}, BluezBus::ordinaryLimit,
+              [this, path = object->path](const BluezBus::Reply& reply) {
+                  if (reply.error || reply.signature != QLatin1String("v")) return;
+                  objectChanged(path, Bluez::device,
+                                {{"Connected", reply.arguments[0].value<QDBusVariant>().variant()}}, {});
+              });
 }
 
 void BluezCentral::setDaemon(BluezDaemon daemon) {

@@ -71,6 +71,7 @@ class BluezCentral final : public BluetoothCentral {
     void ownerChanged();
     void askForObjects();
     void objectsTold(const BluezBus::Reply& reply);
+    void askWhetherConnected(const UUID& device);
     void setDaemon(BluezDaemon daemon);
     void reviewState();
     [[nodiscard]] BluetoothState presentState(const BluezAdapter* adapter);

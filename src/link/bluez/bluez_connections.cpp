@@ -10,6 +10,7 @@ namespace orbinex {
 
 void BluezConnections::clear() {
     contacts_.clear();
+    wasConnecting_ = false;
     calls_ = std::make_unique<Lifetime>();
 }
 
@@ -145,19 +146,28 @@ void BluezConnections::callConnect(const UUID& device) {
     auto& contact = contacts_.at(device);
     contact.isConnecting = true;
     contact.began = queue_.uptime();
+    tellConnecting();
     bus_.call(
         devices_.find(device)->path, Bluez::device, "Connect", {}, connectLimit,
         calls_->guard([this, device](const BluezBus::Reply& reply) { connectAnswered(device, reply); }));
+}
+
+void BluezConnections::tellConnecting() {
+    const bool isConnecting =
+        std::ranges::any_of(contacts_, [](const auto& entry) { return entry.second.isConnecting; });
+    if (std::exchange(wasConnecting_, isConnecting) != isConnecting) handlers_.onConnecting(isConnecting);
 }
 
 void BluezConnections::connectAnswered(const UUID& device, const BluezBus::Reply& reply) {
     auto* const contact = this->contact(device);
     if (!contact) return;
     contact->isConnecting = false;
+    tellConnecting();
     const auto object = devices_.find(device);
     const bool isBonded = object && object->isBonded;
-    // Also after success: until the signal that it is connected has come, it seems not to be.
+    // Also after success, of which the signal may come later, or never.
     contact->restsUntil = queue_.uptime() + restAfterFailure;
+    if (!reply.error) handlers_.askWhetherConnected(device);
     if (reply.error && contact->wish && !contact->isCancelling) {
         const auto failure = connectFailure(*reply.error, isBonded, queue_.uptime() - contact->began);
         contact->promptFailures =
@@ -193,11 +203,11 @@ void BluezConnections::reportDisconnected(const UUID& device) {
     contact.isReported = false;
     contact.isPairing = false;
     const bool isOurs = std::exchange(contact.isCancelling, false);
-    rest(contact, isOurs ? restAfterDrop : restAfterFailure);
+    const bool wasShort = queue_.uptime() - contact.began <= promptFailure;
+    rest(contact, isOurs ? restAfterDrop : wasShort ? restAfterFailure : std::chrono::seconds(0));
     std::optional<BluetoothError> error;
     const auto object = devices_.find(device);
-    if (!isOurs && !contact.isProven && object && object->isBonded &&
-        queue_.uptime() - contact.began <= promptFailure &&
+    if (!isOurs && !contact.isProven && wasShort && object && object->isBonded &&
         ++contact.promptFailures >= failuresOfForgottenPairing) {
         contact.promptFailures = 0;
         error = forgottenPairing({QString(), QStringLiteral("The device ended the connection")});

@@ -27,6 +27,10 @@ class BluezConnections {
         std::function<void(const UUID&)> onConnected;
         std::function<void(const UUID&, const BluetoothError*)> onFailed;
         std::function<void(const UUID&, const BluetoothError*)> onDisconnected;
+        /// It is to be asked whether the device is connected; its review follows.
+        std::function<void(const UUID&)> askWhetherConnected;
+        /// Calls to connect are under way, or no longer. BlueZ connects nothing while it discovers.
+        std::function<void(bool)> onConnecting;
     };
 
     BluezConnections(BluezBus& bus, MainQueue& queue, const BluezDevices& devices,
@@ -82,6 +86,7 @@ class BluezConnections {
     void connectAnswered(const UUID& device, const BluezBus::Reply& reply);
     void callDisconnect(const UUID& device);
     void reportDisconnected(const UUID& device);
+    void tellConnecting();
     void rest(Contact& contact, std::chrono::nanoseconds time);
     [[nodiscard]] Contact* contact(const UUID& device);
 
@@ -91,6 +96,7 @@ class BluezConnections {
     const BluezSightings& sightings_;
     Handlers handlers_;
     std::map<UUID, Contact> contacts_;
+    bool wasConnecting_ = false;
     /// Answers to calls that were made before everything was forgotten are for nobody.
     std::unique_ptr<Lifetime> calls_ = std::make_unique<Lifetime>();
 };

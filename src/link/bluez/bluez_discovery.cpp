@@ -8,6 +8,7 @@ void BluezDiscovery::useAdapter(const QString& adapter) {
     calls_ = std::make_unique<Lifetime>();
     adapter_ = adapter;
     wanted_.reset();
+    isPaused_ = false;
     isRunning_ = false;
     isCalling_ = false;
     retry_.cancel();
@@ -27,15 +28,21 @@ void BluezDiscovery::want(const std::optional<UUID>& service) {
     proceed();
 }
 
+void BluezDiscovery::setPaused(bool isPaused) {
+    isPaused_ = isPaused;
+    proceed();
+}
+
 void BluezDiscovery::ended() {
     isRunning_ = false;
     proceed();
 }
 
 void BluezDiscovery::proceed() {
-    if (adapter_.isEmpty() || isCalling_ || retry_.isActive() || wanted_.has_value() == isRunning_) return;
+    const bool isToRun = wanted_ && !isPaused_;
+    if (adapter_.isEmpty() || isCalling_ || retry_.isActive() || isToRun == isRunning_) return;
     isCalling_ = true;
-    if (wanted_) {
+    if (isToRun) {
         setFilter();
     } else {
         startOrStop(false);

@@ -29,6 +29,8 @@ class BluezDiscovery {
     void end();
     /// Low Energy devices that advertise the service are wanted, or nothing is.
     void want(const std::optional<UUID>& service);
+    /// Rests while there is something that discovery is in the way of.
+    void setPaused(bool isPaused);
     /// The adapter has ended what was going on.
     void ended();
 
@@ -42,6 +44,7 @@ class BluezDiscovery {
     MainQueue& queue_;
     QString adapter_;
     std::optional<UUID> wanted_;
+    bool isPaused_ = false;
     bool isRunning_ = false;
     bool isCalling_ = false;
     Timer retry_;

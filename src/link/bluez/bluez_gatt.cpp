@@ -12,13 +12,15 @@
 namespace orbinex {
 
 BluezGatt::BluezGatt(BluezBus& bus, MainQueue& queue, const BluezObjects& objects,
-                     const BluezDevices& devices, BluezConnections& connections, BluezPairing& pairing)
+                     const BluezDevices& devices, BluezConnections& connections, BluezPairing& pairing,
+                     std::function<void()> askForObjects)
     : bus_(bus),
       queue_(queue),
       objects_(objects),
       devices_(devices),
       connections_(connections),
-      pairing_(pairing) {}
+      pairing_(pairing),
+      askForObjects_(std::move(askForObjects)) {}
 
 void BluezGatt::clear() {
     pairing_.clear();
@@ -54,23 +56,32 @@ void BluezGatt::discoverServices(const UUID& device, std::span<const UUID> servi
     queue_.post(conversation.calls->guard([this, device] { review(device); }));
 }
 
-void BluezGatt::reviewAll() {
-    for (auto& [device, conversation] : conversations_) {
-        queue_.post(conversation.calls->guard([this, device = device] { review(device); }));
-    }
-}
-
 void BluezGatt::review(const UUID& device) {
     auto* const conversation = this->conversation(device);
     if (!conversation) return;
     const auto object = devices_.find(device);
-    if (conversation->question && object && object->areServicesResolved) answerServices(device);
+    if (conversation->question && object && object->areServicesResolved && !conversation->isAsking) {
+        // That they are resolved may be told before they are.
+        conversation->isAsking = true;
+        askForObjects_();
+    }
     dropWithdrawnServices(device);
+}
+
+void BluezGatt::objectsTold() {
+    for (auto& [device, conversation] : conversations_) {
+        queue_.post(conversation.calls->guard([this, device = device] {
+            const bool wasAsking = std::exchange(conversations_.at(device).isAsking, false);
+            const auto object = devices_.find(device);
+            if (wasAsking && object && object->areServicesResolved) answerServices(device);
+            review(device);
+        }));
+    }
 }
 
 void BluezGatt::answerServices(const UUID& device) {
     auto& conversation = conversations_.at(device);
-    const auto question = *std::exchange(conversation.question, std::nullopt);
+    const auto question = std::exchange(conversation.question, std::nullopt).value_or(std::vector<UUID>());
     const auto object = devices_.find(device);
     std::vector<UUID> answer;
     conversation.services.clear();

@@ -31,8 +31,9 @@ class BluezGatt {
     /// Writes that BlueZ has not yet taken; what goes beyond is dropped, as the radio would.
     static constexpr int maximumUnansweredWrites = 64;
 
+    /// `askForObjects` is to have bluetoothd tell all its objects; objectsTold() follows.
     BluezGatt(BluezBus& bus, MainQueue& queue, const BluezObjects& objects, const BluezDevices& devices,
-              BluezConnections& connections, BluezPairing& pairing);
+              BluezConnections& connections, BluezPairing& pairing, std::function<void()> askForObjects);
 
     /// Who is told; null is nobody.
     void setDelegate(BluetoothCentral::Delegate* delegate) { delegate_ = delegate; }
@@ -49,7 +50,7 @@ class BluezGatt {
 
     /// Properties of the device, or its services, are not what they were.
     void review(const UUID& device);
-    void reviewAll();
+    void objectsTold();
     /// A characteristic has told its value.
     void valueChanged(const QString& path, const QVariantMap& changed);
 
@@ -68,6 +69,7 @@ class BluezGatt {
         /// Shared with a call of the delegate, which may end the conversation.
         std::shared_ptr<const Peripheral> peripheral;
         std::optional<std::vector<UUID>> question;  ///< services that are asked for
+        bool isAsking = false;                      ///< for the objects that the answer is found in
         std::map<UUID, QString> services;
         std::map<UUID, Channel> channels;
         int unansweredWrites = 0;
@@ -98,6 +100,7 @@ class BluezGatt {
     const BluezDevices& devices_;
     BluezConnections& connections_;
     BluezPairing& pairing_;
+    std::function<void()> askForObjects_;
     BluetoothCentral::Delegate* delegate_ = nullptr;
     std::map<UUID, Conversation> conversations_;
 };

@@ -107,8 +107,9 @@ std::optional<BluezDevice> readDevice(const BluezObjects& objects, const QString
     device.name = value<QString>(*properties, "Name").value_or(QString()).toStdString();
     if (const auto rssi = value<short>(*properties, "RSSI")) device.rssi = *rssi;
     device.isBonded = value<bool>(*properties, "Bonded").value_or(flag(*properties, "Paired"));
-    device.isConnected = flag(*properties, "Connected");
-    device.areServicesResolved = device.isConnected && flag(*properties, "ServicesResolved");
+    // BlueZ 5.66 forgets to tell of a connection when it learns of it by two ways at once.
+    device.areServicesResolved = flag(*properties, "ServicesResolved");
+    device.isConnected = device.areServicesResolved || flag(*properties, "Connected");
     for (const auto& text : value<QStringList>(*properties, "UUIDs").value_or(QStringList())) {
         if (const auto service = UUID::parse(text.toStdString())) device.services.push_back(*service);
     }
