@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "link/bluez/bluez_names.h"
+#include "link/nearby_device.h"
 
 namespace orbinex {
 
@@ -236,11 +237,13 @@ void BluezCentral::reviewDevice(const UUID& device) {
 
 void BluezCentral::heard(const UUID& device) {
     const auto object = devices_.find(device);
-    if (!scannedService_ || !object || !object->offers(*scannedService_)) return;
+    if (!scannedService_ || !object) return;
+    const auto name = devices_.advertisedName(device);
+    // BlueZ does not add a service again that a connection has shown to be missing.
+    if (!object->offers(*scannedService_) && !parseAdvertisedName(name.value_or(std::string()))) return;
     const bool isToBeReported = sightings_.heard(device, queue_.uptime());
     if (!isToBeReported || object->isConnected || !delegate_) return;
-    const Advertisement advertisement{
-        {device, object->name}, devices_.advertisedName(device), object->rssi.value_or(127)};
+    const Advertisement advertisement{{device, object->name}, name, object->rssi.value_or(127)};
     delegate_->peripheralDiscovered(advertisement);
 }
 

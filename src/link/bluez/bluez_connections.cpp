@@ -8,6 +8,12 @@
 
 namespace orbinex {
 
+namespace {
+
+const BluezError endedByDevice{QString(), QStringLiteral("The device ended the connection")};
+
+}  // namespace
+
 void BluezConnections::clear() {
     contacts_.clear();
     wasConnecting_ = false;
@@ -66,13 +72,6 @@ void BluezConnections::setPairing(const UUID& device, bool isPairing) {
     later(device);
 }
 
-void BluezConnections::established(const UUID& device) {
-    auto* const contact = this->contact(device);
-    if (!contact) return;
-    contact->isProven = true;
-    contact->promptFailures = 0;
-}
-
 /// Not at once: the link is not called from within its own calls.
 void BluezConnections::later(const UUID& device) {
     queue_.post(calls_->guard([this, device] { review(device); }));
@@ -83,11 +82,31 @@ void BluezConnections::reviewAll() {
 }
 
 void BluezConnections::review(const UUID& device) {
+    noteConnection(device);
     // Each step is taken in what the one before has left, which may be nothing.
     for (;;) {
         auto* const contact = this->contact(device);
         if (!contact) return;
         if (!perform(nextConnectStep(facts(device, *contact)), device)) return;
+    }
+}
+
+/// A bonded device that ends the connection before it has told its services may have forgotten the pairing.
+void BluezConnections::noteConnection(const UUID& device) {
+    auto* const contact = this->contact(device);
+    if (!contact) return;
+    const auto object = devices_.find(device);
+    if (object && object->isConnected) {
+        if (!contact->connectedSince) contact->connectedSince = queue_.uptime();
+        if (object->areServicesResolved) contact->promptFailures = 0;
+        return;
+    }
+    if (contact->isReported || !std::exchange(contact->connectedSince, std::nullopt)) return;
+    contact->hasDropped = true;
+    contact->restsUntil = queue_.uptime() + restAfterFailure;
+    // While the call is under way, its answer tells.
+    if (object && object->isBonded && contact->wish && !contact->isConnecting && !contact->isCancelling) {
+        failedAtOnce(device, endedByDevice);
     }
 }
 
@@ -100,6 +119,8 @@ ConnectFacts BluezConnections::facts(const UUID& device, const Contact& contact)
     facts.now = queue_.uptime();
     facts.isInSight = sightings_.isInSight(device, facts.now);
     facts.isConnected = object && object->isConnected;
+    facts.isProven = !object || !object->isBonded || object->areServicesResolved ||
+                     (contact.connectedSince && facts.now - *contact.connectedSince >= proofTime);
     facts.isReported = contact.isReported;
     facts.isPairing = contact.isPairing;
     facts.isConnecting = contact.isConnecting;
@@ -118,13 +139,15 @@ bool BluezConnections::perform(ConnectStep step, const UUID& device) {
             contact.rest =
                 queue_.after(contact.restsUntil - queue_.uptime(), [this, device] { review(device); });
             return false;
+        case ConnectStep::waitForProof:
+            contact.rest = queue_.after(*contact.connectedSince + proofTime - queue_.uptime(),
+                                        [this, device] { review(device); });
+            return false;
         case ConnectStep::connect: callConnect(device); return true;
         case ConnectStep::disconnect: callDisconnect(device); return true;
         case ConnectStep::reportConnected:
             contact.initiative = *std::exchange(contact.wish, std::nullopt);
             contact.isReported = true;
-            contact.isProven = false;
-            contact.began = queue_.uptime();
             handlers_.onConnected(device);
             return true;
         case ConnectStep::reportDisconnected: reportDisconnected(device); return true;
@@ -145,7 +168,8 @@ void BluezConnections::rest(Contact& contact, std::chrono::nanoseconds time) {
 void BluezConnections::callConnect(const UUID& device) {
     auto& contact = contacts_.at(device);
     contact.isConnecting = true;
-    contact.began = queue_.uptime();
+    contact.hasDropped = false;
+    contact.callBegan = queue_.uptime();
     tellConnecting();
     bus_.call(
         devices_.find(device)->path, Bluez::device, "Connect", {}, connectLimit,
@@ -167,20 +191,30 @@ void BluezConnections::connectAnswered(const UUID& device, const BluezBus::Reply
     const bool isBonded = object && object->isBonded;
     // Also after success, of which the signal may come later, or never.
     contact->restsUntil = queue_.uptime() + restAfterFailure;
-    if (!reply.error) handlers_.askWhetherConnected(device);
-    if (reply.error && contact->wish && !contact->isCancelling) {
-        const auto failure = connectFailure(*reply.error, isBonded, queue_.uptime() - contact->began);
-        contact->promptFailures =
-            failure == ConnectFailure::perhapsForgotten ? contact->promptFailures + 1 : 0;
-        const bool isForgotten = contact->promptFailures >= failuresOfForgottenPairing;
-        if (failure == ConnectFailure::final || isForgotten) {
+    if (!reply.error && !contact->hasDropped) handlers_.askWhetherConnected(device);
+    if (contact->wish && !contact->isCancelling) {
+        const auto elapsed = queue_.uptime() - contact->callBegan;
+        const auto error = reply.error.value_or(BluezError{});
+        const auto failure =
+            reply.error ? connectFailure(error, isBonded, elapsed) : ConnectFailure::transient;
+        if (failure == ConnectFailure::perhapsForgotten || (isBonded && contact->hasDropped)) {
+            failedAtOnce(device, error);
+        } else if (failure == ConnectFailure::final) {
             contact->wish.reset();
-            contact->promptFailures = 0;
-            const auto error = isForgotten ? forgottenPairing(*reply.error) : plainError(*reply.error);
-            handlers_.onFailed(device, &error);
+            const auto told = plainError(error);
+            handlers_.onFailed(device, &told);
         }
     }
     review(device);
+}
+
+/// Once it is known that the pairing is forgotten, every further failure says so.
+void BluezConnections::failedAtOnce(const UUID& device, const BluezError& error) {
+    auto& contact = contacts_.at(device);
+    if (++contact.promptFailures < failuresOfForgottenPairing) return;
+    contact.wish.reset();
+    const auto told = forgottenPairing(error);
+    handlers_.onFailed(device, &told);
 }
 
 void BluezConnections::callDisconnect(const UUID& device) {
@@ -203,16 +237,14 @@ void BluezConnections::reportDisconnected(const UUID& device) {
     contact.isReported = false;
     contact.isPairing = false;
     const bool isOurs = std::exchange(contact.isCancelling, false);
-    const bool wasShort = queue_.uptime() - contact.began <= promptFailure;
+    const bool wasShort =
+        contact.connectedSince && queue_.uptime() - *contact.connectedSince <= promptFailure;
+    contact.connectedSince.reset();
     rest(contact, isOurs ? restAfterDrop : wasShort ? restAfterFailure : std::chrono::seconds(0));
-    std::optional<BluetoothError> error;
-    const auto object = devices_.find(device);
-    if (!isOurs && !contact.isProven && wasShort && object && object->isBonded &&
-        ++contact.promptFailures >= failuresOfForgottenPairing) {
-        contact.promptFailures = 0;
-        error = forgottenPairing({QString(), QStringLiteral("The device ended the connection")});
-    }
-    handlers_.onDisconnected(device, error ? &*error : nullptr);
+    // BlueZ gives no reason; here it is known.
+    const bool isForgotten = !isOurs && contact.promptFailures >= failuresOfForgottenPairing;
+    const auto error = forgottenPairing(endedByDevice);
+    handlers_.onDisconnected(device, isForgotten ? &error : nullptr);
 }
 
 }  // namespace orbinex

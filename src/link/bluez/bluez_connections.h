@@ -58,32 +58,32 @@ class BluezConnections {
     void reviewAll();
     /// While a device is being paired, the end of its connection is not reported.
     void setPairing(const UUID& device, bool isPairing);
-    /// The connection has proved to be good: the device has told its services.
-    void established(const UUID& device);
 
   private:
     struct Contact {
         std::optional<Initiative> wish;
         Initiative initiative = Initiative::program;
         bool isReported = false;
-        bool isProven = false;
         bool isPairing = false;
         bool isConnecting = false;
         bool isCancelling = false;
         bool isDisconnecting = false;
-        /// Of the Connect call, or of the connection.
-        std::chrono::nanoseconds began{0};
+        bool hasDropped = false;  ///< since the Connect call was made
+        std::chrono::nanoseconds callBegan{0};
+        std::optional<std::chrono::nanoseconds> connectedSince;
         std::chrono::nanoseconds restsUntil{0};
         /// Connections in a row that this device, though bonded, ended at once.
         int promptFailures = 0;
         Timer rest;
     };
 
+    void noteConnection(const UUID& device);
     [[nodiscard]] ConnectFacts facts(const UUID& device, const Contact& contact) const;
     void later(const UUID& device);
     bool perform(ConnectStep step, const UUID& device);
     void callConnect(const UUID& device);
     void connectAnswered(const UUID& device, const BluezBus::Reply& reply);
+    void failedAtOnce(const UUID& device, const BluezError& error);
     void callDisconnect(const UUID& device);
     void reportDisconnected(const UUID& device);
     void tellConnecting();

@@ -92,7 +92,6 @@ void BluezGatt::answerServices(const UUID& device) {
         conversation.services.emplace(uuid, path);
         answer.push_back(uuid);
     }
-    connections_.established(device);
     const auto peripheral = conversation.peripheral;
     if (delegate_) delegate_->servicesDiscovered(*peripheral, answer, nullptr);
 }

@@ -14,7 +14,7 @@ ConnectStep nextConnectStep(const ConnectFacts& facts) {
         return isResting ? ConnectStep::waitForRest : ConnectStep::disconnect;
     }
     if (!facts.isWanted) return ConnectStep::none;
-    if (facts.isConnected) return ConnectStep::reportConnected;
+    if (facts.isConnected) return facts.isProven ? ConnectStep::reportConnected : ConnectStep::waitForProof;
     if (facts.isConnecting || !facts.isKnown) return ConnectStep::none;
     // BlueZ looks for a device by itself, but for some 40 s only and at the cost of other connections; so it
     // is asked for what was heard. A person does not wait for that.

@@ -12,6 +12,9 @@ inline constexpr std::chrono::seconds restAfterFailure{1};
 /// And between two calls that are to end the same connection.
 inline constexpr std::chrono::seconds restAfterDisconnect{5};
 
+/// A connection to a bonded device is proven when it has lasted so long, if not before.
+inline constexpr std::chrono::seconds proofTime{3};
+
 /// How things stand between this computer and one device.
 struct ConnectFacts {
     bool isWanted = false;     ///< a connect request is open
@@ -19,6 +22,7 @@ struct ConnectFacts {
     bool isKnown = false;      ///< BlueZ has an object for the device
     bool isInSight = false;    ///< it was heard of late
     bool isConnected = false;  ///< says BlueZ
+    bool isProven = true;      ///< and it will not end at once, as that of a forgotten pairing does
     bool isReported = false;   ///< the link was told of the connection
     bool isPairing = false;
     bool isConnecting = false;     ///< a Connect call is under way
@@ -36,6 +40,7 @@ enum class ConnectStep {
     reportDisconnected,
     endCancelling,  ///< nothing stands any more
     waitForRest,    ///< ask again at `restsUntil`
+    waitForProof,   ///< ask again when the connection has lasted for `proofTime`
 };
 
 /// What to do next; after doing it, ask again.

@@ -155,6 +155,8 @@ TEST(ConnectSteps, followFromHowThingsStand) {
          ConnectStep::reportConnected},
         {"connected already", with(wanted, [](auto& f) { f.isConnected = true; }),
          ConnectStep::reportConnected},
+        {"connected, but perhaps not for long",
+         with(wanted, [](auto& f) { f.isConnected = true, f.isProven = false; }), ConnectStep::waitForProof},
         {"cancelled while being asked",
          {.isConnecting = true, .isCancelling = true},
          ConnectStep::disconnect},
