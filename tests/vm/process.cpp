@@ -58,6 +58,7 @@ void closeFd(int& fd) {
 /// Pointers as the exec functions want them; they live as long as the strings.
 std::vector<char*> pointersTo(std::vector<std::string>& strings) {
     std::vector<char*> pointers;
+    pointers.reserve(strings.size() + 1);
     for (std::string& string : strings) pointers.push_back(string.data());
     pointers.push_back(nullptr);
     return pointers;
@@ -70,7 +71,7 @@ std::vector<std::string> merged(const Process::Environment& changes) {
         const std::string variable(*entry);
         if (!changes.contains(variable.substr(0, variable.find('=')))) result.push_back(variable);
     }
-    for (const auto& [key, value] : changes) result.push_back(key + "=" + value);
+    for (const auto& [key, value] : changes) result.emplace_back(key).append("=").append(value);
     return result;
 }
 

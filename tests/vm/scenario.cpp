@@ -71,6 +71,7 @@ void Scenario::endProgram() {
     if (!program_ || !program_->isRunning()) return;
     program_->terminate();
     EXPECT_EQ(program_->waitForEnd(endLimit), 0);
+    program_->kill();
 }
 
 Process& Scenario::start(const std::string& name, const std::vector<std::string>& command) {
