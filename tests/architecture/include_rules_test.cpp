@@ -126,6 +126,8 @@ TEST(IncludeRules, areBrokenByWhatTheyForbid) {
         {"input/x.cpp", "#include \"input/x11/x11_connection.h\"", false},
         {"input/x11/x.cpp", "#include <X11/Xlib.h>", true},
         {"input/x11/x.cpp", "#include \"link/link_model.h\"", false},
+        {"input/uinput/x.h", "#include \"input/scroll_sink.h\"", true},
+        {"input/uinput/x.h", "#include \"input/x11/x11_connection.h\"", false},
         {"app/x.cpp", "#include \"app/linux/fd_watch.h\"", false},
         {"app/linux/x.cpp", "#include \"input/x11/x11_connection.h\"", false},
         {"app/linux/main.cpp", "#include \"input/x11/x11_connection.h\"", true},

@@ -1,16 +1,17 @@
 #include "input/uinput/fine_wheel.h"
 
 #include <cstdint>
+#include <cstdlib>
 #include <limits>
-#include <numeric>
+#include <ostream>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 namespace orbinex {
 
-void PrintTo(const WheelMotion& motion, std::ostream* out) {
-    *out << motion.steps << " steps, " << motion.clicks << " clicks";
+std::ostream& operator<<(std::ostream& out, const WheelMotion& motion) {
+    return out << motion.steps << " steps, " << motion.clicks << " clicks";
 }
 
 namespace {
