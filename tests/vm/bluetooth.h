@@ -48,8 +48,10 @@ class Bluetooth {
     bool forget(const std::string& adapter, const std::string& address);
     void forgetAll(const std::string& adapter);
 
-    /// That nothing of a program's is left on the adapter: no scan, no connection, no characteristic that is
-    /// subscribed to, no pairing agent. Ending a connection takes seconds, so it is waited for.
+    /// What there is of a program's on the adapter, a phrase each: a scan, a connection, a characteristic
+    /// that is subscribed to, a pairing agent.
+    [[nodiscard]] std::vector<std::string> leftovers(const std::string& adapter) const;
+    /// That there is nothing of the kind. Ending a connection takes seconds, so it is waited for.
     [[nodiscard]] testing::AssertionResult nothingIsLeft(const std::string& adapter) const;
 
   private:
@@ -58,7 +60,6 @@ class Bluetooth {
 
     [[nodiscard]] Objects objects() const;
     [[nodiscard]] QVariantMap adapterProperties(const std::string& adapter) const;
-    [[nodiscard]] std::vector<std::string> leftovers(const std::string& adapter) const;
 
     QDBusConnection bus_;
 };

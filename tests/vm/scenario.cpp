@@ -74,6 +74,12 @@ void Scenario::endProgram() {
     program_->kill();
 }
 
+Process& Scenario::startPhone(const std::string& adapter, const std::vector<std::string>& options) {
+    std::vector<std::string> command{machine->program("orbinex_test_phone"), "--adapter", adapter};
+    command.insert(command.end(), options.begin(), options.end());
+    return start(adapter == phoneAdapter ? "phone" : "phone on " + adapter, command);
+}
+
 Process& Scenario::start(const std::string& name, const std::vector<std::string>& command) {
     return others_.emplace_back(name, command);
 }

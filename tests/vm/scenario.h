@@ -58,6 +58,9 @@ class Scenario : public testing::Test {
     Process& startProgram();
     /// Ends it as a session does; it must end well.
     void endProgram();
+    /// Starts a phone on a controller, with options of orbinex_test_phone.
+    Process& startPhone(const std::string& adapter = phoneAdapter,
+                        const std::vector<std::string>& options = {});
     /// Starts any other program; it is ended with the scenario, in the order of starting.
     Process& start(const std::string& name, const std::vector<std::string>& command);
 
