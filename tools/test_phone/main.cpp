@@ -1,0 +1,89 @@
+// Plays the iPhone over the air, for whoever has none.
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include <unistd.h>
+
+#include "app/linux/fd_watch.h"
+#include "app/linux/qt_main_queue.h"
+#include "app/linux/unix_signals.h"
+#include "test_phone/line_reader.h"
+#include "test_phone/options.h"
+#include "test_phone/phone.h"
+
+namespace {
+
+using namespace orbinex;
+using namespace orbinex::test_phone;
+
+constexpr int usageStatus = 2;
+
+int fail(const std::string& why) {
+    std::fprintf(stderr, "orbinex_test_phone: %s\n", why.c_str());
+    return EXIT_FAILURE;
+}
+
+/// Each line at once, also for a program at the other end of a pipe.
+void print(const std::string& line) {
+    std::fputs(line.c_str(), stdout);
+    if (!line.ends_with('\n')) std::fputc('\n', stdout);
+    std::fflush(stdout);
+}
+
+int play(const Options& options) {
+    const auto bus = QDBusConnection::systemBus();
+    if (!bus.isConnected()) return fail("there is no system bus: " + bus.lastError().message().toStdString());
+
+    QtMainQueue queue;
+    std::optional<Mistake> failure;
+    // Jobs of its own may be what ends the phone; it goes when they have returned.
+    Phone phone(queue, bus, options, print, [&](const std::optional<Mistake>& mistake) {
+        failure = mistake;
+        queue.post([] { QCoreApplication::quit(); });
+    });
+    const UnixSignals signals([&](int) { phone.quit(); });
+    std::optional<FdWatch> input;
+    LineReader reader;
+    input.emplace(STDIN_FILENO, [&] {
+        std::array<char, 4096> buffer{};
+        const auto count = read(STDIN_FILENO, buffer.data(), buffer.size());
+        if (count > 0) {
+            for (const auto& line : reader.take({buffer.data(), static_cast<std::size_t>(count)})) {
+                phone.execute(line);
+            }
+            return;
+        }
+        // The notifier is what is calling.
+        queue.post([&] { input.reset(); });
+        phone.execute(reader.unfinished());
+        phone.quit();
+    });
+    phone.start();
+    QCoreApplication::exec();
+    return failure ? fail(failure->text) : EXIT_SUCCESS;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const QCoreApplication application(argc, argv);
+    const std::vector<std::string> arguments(argv + 1, argv + argc);
+    const auto options = parseOptions(arguments);
+    if (const auto* mistake = std::get_if<Mistake>(&options)) {
+        fail(mistake->text + "; see --help");
+        return usageStatus;
+    }
+    if (std::get<Options>(options).isHelpWanted) {
+        std::fputs(std::string(usage).c_str(), stdout);
+        return EXIT_SUCCESS;
+    }
+    return play(std::get<Options>(options));
+}
