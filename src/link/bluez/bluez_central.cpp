@@ -38,7 +38,7 @@ BluezCentral::BluezCentral(const QDBusConnection& connection, Ports ports)
                         gatt_.end(device);
                         if (delegate_) delegate_->peripheralDisconnected(devices_.peripheral(device), error);
                     },
-                    [this](const UUID& device) { askWhetherConnected(device); },
+                    [this](const UUID& device, const auto& done) { askWhetherConnected(device, done); },
                     [this](bool isConnecting) { discovery_.setPaused(isConnecting); }}),
       pairing_(bus_, ports.prompt),
       gatt_(bus_, ports.queue, objects_, devices_, connections_, pairing_, [this] { askForObjects(); }) {
@@ -122,14 +122,16 @@ void BluezCentral::objectsTold(const BluezBus::Reply& reply) {
 
 /// Not for all its properties: that the services are resolved may be answered before the signals that tell of
 /// them.
-void BluezCentral::askWhetherConnected(const UUID& device) {
+void BluezCentral::askWhetherConnected(const UUID& device, const std::function<void()>& done) {
     const auto object = devices_.find(device);
-    if (!object) return;
+    if (!object) return done();
     bus_.call(object->path, Bluez::properties, "Get", {Bluez::device, "Connected"}, BluezBus::ordinaryLimit,
-              [this, path = object->path](const BluezBus::Reply& reply) {
-                  if (reply.error || reply.signature != QLatin1String("v")) return;
-                  objectChanged(path, Bluez::device,
-                                {{"Connected", reply.arguments[0].value<QDBusVariant>().variant()}}, {});
+              [this, path = object->path, done](const BluezBus::Reply& reply) {
+                  if (!reply.error && reply.signature == QLatin1String("v")) {
+                      objectChanged(path, Bluez::device,
+                                    {{"Connected", reply.arguments[0].value<QDBusVariant>().variant()}}, {});
+                  }
+                  done();
               });
 }
 

@@ -2,6 +2,7 @@
 
 #include <QDBusConnection>
 #include <QString>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -71,7 +72,7 @@ class BluezCentral final : public BluetoothCentral {
     void ownerChanged();
     void askForObjects();
     void objectsTold(const BluezBus::Reply& reply);
-    void askWhetherConnected(const UUID& device);
+    void askWhetherConnected(const UUID& device, const std::function<void()>& done);
     void setDaemon(BluezDaemon daemon);
     void reviewState();
     [[nodiscard]] BluetoothState presentState(const BluezAdapter* adapter);

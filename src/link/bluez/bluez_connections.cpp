@@ -185,13 +185,21 @@ void BluezConnections::tellConnecting() {
 void BluezConnections::connectAnswered(const UUID& device, const BluezBus::Reply& reply) {
     auto* const contact = this->contact(device);
     if (!contact) return;
+    if (reply.error || contact->hasDropped) return connectEnded(device, reply);
+    // The signal may come later, or never; a cancel in between must not take it for not connected.
+    handlers_.askWhetherConnected(device,
+                                  calls_->guard([this, device, reply] { connectEnded(device, reply); }));
+}
+
+void BluezConnections::connectEnded(const UUID& device, const BluezBus::Reply& reply) {
+    auto* const contact = this->contact(device);
+    if (!contact) return;
     contact->isConnecting = false;
     tellConnecting();
     const auto object = devices_.find(device);
     const bool isBonded = object && object->isBonded;
-    // Also after success, of which the signal may come later, or never.
+    // Also after success that has led to nothing.
     contact->restsUntil = queue_.uptime() + restAfterFailure;
-    if (!reply.error && !contact->hasDropped) handlers_.askWhetherConnected(device);
     if (contact->wish && !contact->isCancelling) {
         const auto elapsed = queue_.uptime() - contact->callBegan;
         const auto error = reply.error.value_or(BluezError{});

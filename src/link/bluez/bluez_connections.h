@@ -27,8 +27,8 @@ class BluezConnections {
         std::function<void(const UUID&)> onConnected;
         std::function<void(const UUID&, const BluetoothError*)> onFailed;
         std::function<void(const UUID&, const BluetoothError*)> onDisconnected;
-        /// It is to be asked whether the device is connected; its review follows.
-        std::function<void(const UUID&)> askWhetherConnected;
+        /// It is to be asked whether the device is connected; its review follows, and then `done`.
+        std::function<void(const UUID&, std::function<void()> done)> askWhetherConnected;
         /// Calls to connect are under way, or no longer. BlueZ connects nothing while it discovers.
         std::function<void(bool)> onConnecting;
     };
@@ -65,7 +65,7 @@ class BluezConnections {
         Initiative initiative = Initiative::program;
         bool isReported = false;
         bool isPairing = false;
-        bool isConnecting = false;
+        bool isConnecting = false;  ///< until it is known what came of it
         bool isCancelling = false;
         bool isDisconnecting = false;
         bool hasDropped = false;  ///< since the Connect call was made
@@ -83,6 +83,7 @@ class BluezConnections {
     bool perform(ConnectStep step, const UUID& device);
     void callConnect(const UUID& device);
     void connectAnswered(const UUID& device, const BluezBus::Reply& reply);
+    void connectEnded(const UUID& device, const BluezBus::Reply& reply);
     void failedAtOnce(const UUID& device, const BluezError& error);
     void callDisconnect(const UUID& device);
     void reportDisconnected(const UUID& device);

@@ -74,7 +74,11 @@ void BluezDiscovery::startOrStop(bool isStart) {
                       error && (error->name == QLatin1String("org.bluez.Error.InProgress") ||
                                 error->text == QLatin1String("No discovery started"));
                   if (error && !isAlready) {
-                      retry_ = queue_.after(retryInterval, [this] { proceed(); });
+                      // A round that would not end is still to be ended.
+                      retry_ = queue_.after(retryInterval, [this] {
+                          proceed();
+                          endRound();
+                      });
                       return;
                   }
                   isRunning_ = isStart;
