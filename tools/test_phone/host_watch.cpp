@@ -24,6 +24,12 @@ std::vector<std::string> HostWatch::review(const std::vector<Host>& hosts) {
     return events;
 }
 
+std::vector<std::string> HostWatch::loseLinks() {
+    std::vector<Host> hosts;
+    for (const auto& [address, host] : known_) hosts.push_back({address, false, host.isBonded});
+    return review(hosts);
+}
+
 std::vector<std::string> HostWatch::addresses(bool Host::*state) const {
     std::vector<std::string> result;
     for (const auto& [address, host] : known_) {

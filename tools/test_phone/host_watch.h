@@ -20,6 +20,8 @@ class HostWatch {
     /// Lines such as "connected 00:AA:01:00:00:00": connected, disconnected, bonded, unbonded. A computer
     /// that is not in the list any more is neither connected nor bonded.
     std::vector<std::string> review(const std::vector<Host>& hosts);
+    /// The controller is away: every link has ended, and what is bonded stays so.
+    std::vector<std::string> loseLinks();
 
     [[nodiscard]] std::vector<std::string> connected() const { return addresses(&Host::isConnected); }
     [[nodiscard]] std::vector<std::string> bonded() const { return addresses(&Host::isBonded); }

@@ -5,8 +5,10 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -38,34 +40,48 @@ void print(const std::string& line) {
     std::fflush(stdout);
 }
 
+/// Hands the lines of standard input on, and its end.
+class Terminal {
+  public:
+    Terminal(MainQueue& queue, Phone& phone)
+        : queue_(queue), phone_(phone), input_(std::make_unique<FdWatch>(STDIN_FILENO, [this] { take(); })) {}
+
+  private:
+    void take() {
+        std::array<char, 4096> buffer{};
+        const auto count = read(STDIN_FILENO, buffer.data(), buffer.size());
+        if (count > 0) {
+            const std::string_view piece(buffer.data(), static_cast<std::size_t>(count));
+            for (const auto& line : lines_.take(piece)) phone_.execute(line);
+            return;
+        }
+        // The end would be there to be read for ever. The watch is what is calling.
+        queue_.post([input = std::shared_ptr<FdWatch>(std::move(input_))] {});
+        phone_.execute(lines_.unfinished());
+        phone_.quit();
+    }
+
+    MainQueue& queue_;
+    Phone& phone_;
+    LineReader lines_;
+    std::unique_ptr<FdWatch> input_;
+};
+
 int play(const Options& options) {
     const auto bus = QDBusConnection::systemBus();
     if (!bus.isConnected()) return fail("there is no system bus: " + bus.lastError().message().toStdString());
 
     QtMainQueue queue;
     std::optional<Mistake> failure;
+    std::optional<Terminal> terminal;
     // Jobs of its own may be what ends the phone; it goes when they have returned.
-    Phone phone(queue, bus, options, print, [&](const std::optional<Mistake>& mistake) {
-        failure = mistake;
-        queue.post([] { QCoreApplication::quit(); });
-    });
+    Phone phone(
+        queue, bus, options, print, [&] { terminal.emplace(queue, phone); },
+        [&](const std::optional<Mistake>& mistake) {
+            failure = mistake;
+            queue.post([] { QCoreApplication::quit(); });
+        });
     const UnixSignals signals([&](int) { phone.quit(); });
-    std::optional<FdWatch> input;
-    LineReader reader;
-    input.emplace(STDIN_FILENO, [&] {
-        std::array<char, 4096> buffer{};
-        const auto count = read(STDIN_FILENO, buffer.data(), buffer.size());
-        if (count > 0) {
-            for (const auto& line : reader.take({buffer.data(), static_cast<std::size_t>(count)})) {
-                phone.execute(line);
-            }
-            return;
-        }
-        // The notifier is what is calling.
-        queue.post([&] { input.reset(); });
-        phone.execute(reader.unfinished());
-        phone.quit();
-    });
     phone.start();
     QCoreApplication::exec();
     return failure ? fail(failure->text) : EXIT_SUCCESS;

@@ -43,10 +43,11 @@ const char* onOff(bool isOn) {
 }  // namespace
 
 Phone::Phone(MainQueue& queue, const QDBusConnection& bus, Options options, Print print,
-             std::function<void(const std::optional<Mistake>&)> end)
+             std::function<void()> begun, std::function<void(const std::optional<Mistake>&)> end)
     : queue_(queue),
       options_(std::move(options)),
       print_(std::move(print)),
+      begun_(std::move(begun)),
       end_(std::move(end)),
       bus_(queue, bus),
       application_(bus_, present(options_.missing), options_.infoAccess),
@@ -74,9 +75,9 @@ void Phone::listen() {
     radio_.onEvent = print_;
     radio_.onFound = [this] { found(); };
     radio_.onReady = [this] {
-        hasBegun_ = true;
         print_("ready " + radio_.adapterName() + " " + radio_.address() + " " +
                printable(advertisement_.localName.toStdString()));
+        if (const auto once = std::exchange(begun_, nullptr)) once();
     };
     radio_.onAway = [this](const std::string& why) { away(why); };
 }
@@ -90,7 +91,7 @@ void Phone::found() {
 }
 
 void Phone::away(const std::string& why) {
-    if (!hasBegun_) return end(Mistake{why});
+    if (begun_) return end(Mistake{why});
     print_("away: " + printable(why));
 }
 
@@ -113,7 +114,8 @@ PhoneRadio::Done Phone::answering(const std::string& name) {
 }
 
 bool Phone::notify(Characteristic characteristic, ByteView value) {
-    if (!application_.isSubscribed(characteristic)) return false;
+    // bluetoothd keeps a bonded computer's subscriptions while it is away.
+    if (radio_.hosts().connected().empty() || !application_.isSubscribed(characteristic)) return false;
     application_.notify(characteristic, value);
     return true;
 }

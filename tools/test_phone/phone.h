@@ -27,10 +27,10 @@ class Phone {
     /// Input packets a second: what a finger on a screen gives.
     static constexpr int pace = 125;
 
-    /// `print` gets every line for the person. `end` is called once, when nothing is left to do; with why
-    /// when the phone could not begin.
+    /// `print` gets every line for the person. `begun` is called once, when the phone is on the air for the
+    /// first time. `end` is called once, when nothing is left to do; with why when the phone could not begin.
     Phone(MainQueue& queue, const QDBusConnection& bus, Options options, Print print,
-          std::function<void(const std::optional<Mistake>&)> end);
+          std::function<void()> begun, std::function<void(const std::optional<Mistake>&)> end);
     Phone(const Phone&) = delete;
     Phone& operator=(const Phone&) = delete;
     ~Phone();
@@ -77,13 +77,14 @@ class Phone {
     MainQueue& queue_;
     Options options_;
     Print print_;
+    std::function<void()> begun_;
     std::function<void(const std::optional<Mistake>&)> end_;
     BluezBus bus_;
     GattApplication application_;
     Advertisement advertisement_;
     PhoneAgent agent_;
     PhoneRadio radio_;
-    bool hasBegun_ = false;
+
     bool isEnding_ = false;
     Timer patience_;
     std::deque<PendingInput> inputs_;

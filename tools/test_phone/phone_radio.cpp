@@ -118,24 +118,23 @@ void PhoneRadio::arrive() {
 }
 
 void PhoneRadio::goAway(const std::string& why) {
-    const bool wasHere = !std::exchange(adapter_, QString()).isEmpty();
+    adapter_.clear();
     calls_.abandon();
     registered_ = {};
     isAgentRegistered_ = false;
     agent_.adapter.clear();
     agent_.withdraw();
     application_.forgetSubscriptions();
-    if (wasHere) reviewHosts();
+    for (const auto& event : hosts_.loseLinks()) onEvent(event);
     onAway(why);
 }
 
 void PhoneRadio::reviewHosts() {
+    if (adapter_.isEmpty()) return;
     std::vector<Host> hosts;
-    if (!adapter_.isEmpty()) {
-        for (const auto& path : objects_.pathsWith(Bluez::device, adapter_)) {
-            const auto device = readDevice(objects_, path);
-            if (device) hosts.push_back({device->address, device->isConnected, device->isBonded});
-        }
+    for (const auto& path : objects_.pathsWith(Bluez::device, adapter_)) {
+        const auto device = readDevice(objects_, path);
+        if (device) hosts.push_back({device->address, device->isConnected, device->isBonded});
     }
     bool isAnyNew = false;
     for (const auto& event : hosts_.review(hosts)) {
