@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <utility>
 
+#include <poll.h>
 #include <sys/socket.h>
 
 namespace orbinex {
@@ -15,13 +16,18 @@ constexpr std::size_t longestValue = 512;
 /// Packets taken in one turn, so that a flood lets timers and other events through.
 constexpr int packetsAtATime = 64;
 
+/// An empty packet is read as the end is.
+bool isHungUp(int descriptor) {
+    pollfd end{descriptor, 0, 0};
+    return ::poll(&end, 1, 0) == 1;
+}
+
 }  // namespace
 
 NotifySocket::NotifySocket(QDBusUnixFileDescriptor descriptor, std::function<void(ByteView)> onValue,
                            std::function<void()> onEnd)
     : descriptor_(std::move(descriptor)),
-      onValue_(std::move(onValue)),
-      onEnd_(std::move(onEnd)),
+      callbacks_(std::make_shared<const Callbacks>(Callbacks{std::move(onValue), std::move(onEnd)})),
       notifier_(std::make_unique<QSocketNotifier>(descriptor_.fileDescriptor(), QSocketNotifier::Read)) {
     QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] { drain(); });
 }
@@ -35,18 +41,19 @@ NotifySocket::~NotifySocket() {
 
 void NotifySocket::drain() {
     std::array<std::uint8_t, longestValue> packet{};
+    const auto callbacks = callbacks_;
     bool isGone = false;
     isGone_ = &isGone;
     for (int i = 0; i < packetsAtATime; ++i) {
         const auto size = ::recv(descriptor_.fileDescriptor(), packet.data(), packet.size(), MSG_DONTWAIT);
         if (size < 0 && (errno == EAGAIN || errno == EINTR)) break;
-        if (size <= 0) {
+        if (size < 0 || (size == 0 && isHungUp(descriptor_.fileDescriptor()))) {
             notifier_->setEnabled(false);
             isGone_ = nullptr;
-            onEnd_();
+            callbacks->onEnd();
             return;
         }
-        onValue_(ByteView(packet.data(), static_cast<std::size_t>(size)));
+        callbacks->onValue(ByteView(packet.data(), static_cast<std::size_t>(size)));
         if (isGone) return;
     }
     isGone_ = nullptr;

@@ -23,9 +23,14 @@ class NotifySocket {
   private:
     void drain();
 
+    struct Callbacks {
+        std::function<void(ByteView)> onValue;
+        std::function<void()> onEnd;
+    };
+
     QDBusUnixFileDescriptor descriptor_;
-    std::function<void(ByteView)> onValue_;
-    std::function<void()> onEnd_;
+    /// Shared with a drain that is under way: what a callback holds lives until it returns.
+    std::shared_ptr<const Callbacks> callbacks_;
     std::unique_ptr<QSocketNotifier> notifier_;
     /// Set by the destructor for a drain that is under way.
     bool* isGone_ = nullptr;

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 
+#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -267,6 +268,7 @@ void FakeBluez::actOnCharacteristic(const QDBusMessage& call, FakePhone& phone) 
     if (!isConnected(phone)) return fail(call, failed, "Not connected");
     if (call.member() == "ReadValue") return answer(call, {phone.info});
     if (call.member() == "WriteValue") return answer(call);
+    dropSocketThatWasClosed(path);
     if (sockets.contains(path)) return fail(call, notPermitted, "Notify acquired");
     if (call.member() == "AcquireNotify") {
         std::array<int, 2> ends{};
@@ -280,6 +282,14 @@ void FakeBluez::actOnCharacteristic(const QDBusMessage& call, FakePhone& phone) 
     if (call.member() == "StartNotify") change(path, Bluez::characteristic, {{"Notifying", true}});
     if (call.member() == "StopNotify") change(path, Bluez::characteristic, {{"Notifying", false}});
     answer(call);
+}
+
+/// By the other end, which is how a subscription is given back.
+void FakeBluez::dropSocketThatWasClosed(const QString& path) {
+    const auto socket = sockets.find(path);
+    if (socket == sockets.end()) return;
+    pollfd end{socket->second, 0, 0};
+    if (::poll(&end, 1, 0) == 1) closeSockets(path);
 }
 
 // Phones

@@ -113,6 +113,7 @@ class FakeBluez final : public QDBusVirtualObject {
     void actOnAdapter(const QDBusMessage& call);
     void actOnDevice(const QDBusMessage& call, FakePhone& phone);
     void actOnCharacteristic(const QDBusMessage& call, FakePhone& phone);
+    void dropSocketThatWasClosed(const QString& path);
     void actOnManager(const QDBusMessage& call);
     void endConnecting(const char* text);
     void startConnect(const QDBusMessage& call, FakePhone& phone);
