@@ -92,14 +92,15 @@ int play(const Options& options) {
 int main(int argc, char** argv) {
     const QCoreApplication application(argc, argv);
     const std::vector<std::string> arguments(argv + 1, argv + argc);
-    const auto options = parseOptions(arguments);
-    if (const auto* mistake = std::get_if<Mistake>(&options)) {
-        fail(mistake->text + "; see --help");
+    const auto parsed = parseOptions(arguments);
+    const auto* options = std::get_if<Options>(&parsed);
+    if (!options) {
+        fail(std::get_if<Mistake>(&parsed)->text + "; see --help");
         return usageStatus;
     }
-    if (std::get<Options>(options).isHelpWanted) {
+    if (options->isHelpWanted) {
         std::fputs(std::string(usage).c_str(), stdout);
         return EXIT_SUCCESS;
     }
-    return play(std::get<Options>(options));
+    return play(*options);
 }

@@ -148,11 +148,15 @@ void PhoneRadio::reviewHosts() {
     calls_.add([request] { return Calls{request}; }, [](const auto&) {});
 }
 
-BluezCall PhoneRadio::callToPower(bool isOn) const {
+BluezCall PhoneRadio::callToPower(bool isOn) {
     return {adapter_,
             Bluez::properties,
             "Set",
-            {QString(Bluez::adapter), QString("Powered"), QVariant::fromValue(QDBusVariant(isOn))}};
+            {QString(Bluez::adapter), QString("Powered"), QVariant::fromValue(QDBusVariant(isOn))},
+            // The signal that tells of it may come after the answer.
+            [this, isOn] {
+                objects_.change(adapter_, Bluez::adapter, {{"Powered", isOn}}, {});
+            }};
 }
 
 BluezCall PhoneRadio::callToOffer(bool isOn) {

@@ -70,7 +70,7 @@ class PhoneRadio {
     [[nodiscard]] Calls callsToConform();
     [[nodiscard]] Calls callsToLeave();
     [[nodiscard]] Calls callsToDisconnect();
-    [[nodiscard]] BluezCall callToPower(bool isOn) const;
+    [[nodiscard]] BluezCall callToPower(bool isOn);
     [[nodiscard]] BluezCall callToOffer(bool isOn);
     [[nodiscard]] BluezCall callToAdvertise(bool isOn);
 
