@@ -20,7 +20,11 @@ std::optional<UUID> BluezDevices::noticed(const QString& path) {
     const auto [found, isNew] = known_.try_emplace(path);
     auto& known = found->second;
     if (isNew) known.identifier = book_.identifierFor(device->address, device->isAddressRandom);
-    if (!device->isConnected && !device->name.empty()) known.advertisedName = device->name;
+    if (device->isConnected) {
+        known.nameWhileConnected = device->name;
+    } else if (!device->name.empty() && device->name != known.nameWhileConnected) {
+        known.advertisedName = device->name;
+    }
     if (device->isBonded && book_.remember(device->address, device->isAddressRandom, known.identifier)) {
         defaults_.setString(identitiesKey, book_.stored());
     }

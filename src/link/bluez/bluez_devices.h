@@ -43,6 +43,8 @@ class BluezDevices {
     struct Known {
         UUID identifier;
         std::optional<std::string> advertisedName;
+        /// The one that a connection has brought; it stays after it, until the next advertisement.
+        std::string nameWhileConnected;
     };
     using Entry = std::map<QString, Known>::value_type;
     [[nodiscard]] const Entry* entry(const UUID& identifier) const;

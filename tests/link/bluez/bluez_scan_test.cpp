@@ -108,9 +108,17 @@ TEST(BluezScan, keepsTheAdvertisedNameApart) {
     world.establish();
     world.bluez.drop(world.phone);
     world.take();
+    world.run(1s);
+    // Heard again before its name is told anew.
+    world.bluez.scripts["StartDiscovery"] = [&](const QDBusMessage& call) { world.bluez.answer(call); };
     world.central->startScan(serviceUUID);
-    world.run(6s);
+    world.settle();
+    world.bluez.change(world.phone.path, Bluez::device, {{"RSSI", QVariant::fromValue<short>(-50)}});
     EXPECT_EQ(world.take(), Lines{sighting});
+    world.phone.name = "OXA1B2C3:Renamed";
+    world.bluez.scripts.clear();
+    world.run(6s);
+    EXPECT_EQ(world.take(), Lines{"discovered OXA1B2C3:Renamed"});
 }
 
 /// A phone's private address changes every few minutes, and bonding tells its lasting one.
