@@ -60,7 +60,7 @@ void LinkScenario::connect(const std::string& name) {
 
 void LinkScenario::pair(const std::string& answer, const std::string& name) {
     ASSERT_NO_FATAL_FAILURE(connect(name));
-    ASSERT_TRUE(program().waitFor(std::regex("Pair with .*" + name + ".*[0-9]{6}"), limit));
+    ASSERT_TRUE(program().waitFor(std::regex("Pair with \"" + name + ".*[0-9]{6}"), limit));
     program().send(answer);
 }
 

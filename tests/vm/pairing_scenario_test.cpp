@@ -25,6 +25,7 @@ TEST_F(PairingScenario, refusedOnThePhoneIsToldAndMayBeTriedAgain) {
     startProgram();
     ASSERT_NO_FATAL_FAILURE(pair("yes"));
     ASSERT_TRUE(shows("Pairing Not Completed"));
+    ASSERT_TRUE(shows("Searching for iPhones running Orbinex…"));
     expectShown({"Starting Bluetooth…", "Searching for iPhones running Orbinex…",
                  "Connecting to Studio iPhone…", "Securing connection with Studio iPhone…",
                  "Pairing not completed", notCompleted, "Searching for iPhones running Orbinex…"});
@@ -70,6 +71,7 @@ TEST_F(PairingScenario, forgottenByThePhoneIsToldAndMadeAnewAfterItsRemovalHere)
     expectShown({"*", "*", "*", "*", "Connected to Studio iPhone"});
     phone().send("forget");
     ASSERT_TRUE(shows("Pair Studio iPhone Again"));
+    ASSERT_TRUE(shows("Waiting for a trusted iPhone…"));
     expectShown({"Connection to Studio iPhone lost — reconnecting…", "Waiting for a trusted iPhone…", "*",
                  pairAgain, "Waiting for a trusted iPhone…"});
     ASSERT_TRUE(bluetooth().forget(hostAdapter, bluetooth().address(phoneAdapter)));

@@ -58,12 +58,17 @@ void Scenario::TearDown() {
     }
     EXPECT_TRUE(desktop().nothingIsHeldDown());
     EXPECT_TRUE(!daemon().isRunning() || bluetooth().nothingIsLeft(hostAdapter));
+    // For the next one, however this one ended.
+    for (const std::string& adapter : bluetooth().adapters()) {
+        EXPECT_TRUE(bluetooth().isPowered(adapter) || bluetooth().setPowered(adapter, true));
+    }
 }
 
 Process& Scenario::startProgram() {
     const Process::Environment environment{{"DISPLAY", desktop().display()}, {"XDG_CONFIG_HOME", home_}};
-    program_ = std::make_unique<Process>("orbinex", std::vector<std::string>{machine->program("orbinex")},
-                                         environment);
+    program_ = std::make_unique<Process>(
+        "orbinex", std::vector<std::string>{machine->program("orbinex"), "--adapter", hostAdapter},
+        environment);
     return *program_;
 }
 

@@ -17,7 +17,7 @@
 #include "app/linux/fd_watch.h"
 #include "app/linux/qt_main_queue.h"
 #include "app/linux/unix_signals.h"
-#include "test_phone/line_reader.h"
+#include "base/line_reader.h"
 #include "test_phone/options.h"
 #include "test_phone/phone.h"
 

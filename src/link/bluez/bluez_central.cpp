@@ -23,6 +23,7 @@ constexpr std::array heardProperties{"RSSI", "ManufacturerData", "ServiceData", 
 
 BluezCentral::BluezCentral(const QDBusConnection& connection, Ports ports)
     : queue_(ports.queue),
+      onlyAdapter_(ports.adapter),
       bus_(ports.queue, connection),
       devices_(objects_, ports.defaults),
       discovery_(bus_, ports.queue),
@@ -164,7 +165,12 @@ BluetoothState BluezCentral::presentState(const BluezAdapter* adapter) {
 }
 
 void BluezCentral::reviewState() {
-    const auto adapters = readAdapters(objects_);
+    auto adapters = readAdapters(objects_);
+    if (!onlyAdapter_.isEmpty()) {
+        std::erase_if(adapters, [this](const BluezAdapter& adapter) {
+            return adapter.path.section(QLatin1Char('/'), -1) != onlyAdapter_;
+        });
+    }
     const auto path = chooseAdapter(adapters, adapter_);
     const auto adapter = std::ranges::find(adapters, path, &BluezAdapter::path);
     const auto state = presentState(adapter == adapters.end() ? nullptr : &*adapter);

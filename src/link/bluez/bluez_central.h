@@ -37,6 +37,8 @@ class BluezCentral final : public BluetoothCentral {
         UserDefaults& defaults;
         PairingPrompt& prompt;
         WakeNotifier& wake;
+        /// The one adapter to use, such as "hci0"; empty is the first that is usable.
+        QString adapter = {};
     };
     /// bluetoothd, or its adapter, may be this late or gone for so long without being given up.
     static constexpr std::chrono::seconds patience{5};
@@ -88,6 +90,7 @@ class BluezCentral final : public BluetoothCentral {
     void heard(const UUID& device);
 
     MainQueue& queue_;
+    const QString onlyAdapter_;
     Delegate* delegate_ = nullptr;
     BluezBus bus_;
     BluezObjects objects_;

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "protocol/control_message.h"
-#include "test_phone/line_reader.h"
+#include "base/line_reader.h"
 #include "test_phone/transcript.h"
 
 namespace orbinex::test_phone {

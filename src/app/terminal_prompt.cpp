@@ -1,0 +1,30 @@
+#include "app/terminal_prompt.h"
+
+#include <utility>
+
+namespace orbinex {
+
+void TerminalPrompt::ask(const std::string& name, const std::optional<std::string>& digits, Answer answer) {
+    open_ = std::move(answer);
+    const auto comparison = digits ? "It shows " + *digits + "." : "It shows no digits to compare.";
+    print_("Pair with \"" + name + "\"? " + comparison + " Type yes or no.");
+    if (!canAnswer_) inputEnded();
+}
+
+void TerminalPrompt::withdraw() {
+    open_ = nullptr;
+    print_("The question about pairing is withdrawn.");
+}
+
+bool TerminalPrompt::answer(bool isAccepted) {
+    const auto open = std::exchange(open_, nullptr);
+    if (open) open(isAccepted);
+    return static_cast<bool>(open);
+}
+
+void TerminalPrompt::inputEnded() {
+    canAnswer_ = false;
+    if (answer(false)) print_("Nobody can answer here: not paired.");
+}
+
+}  // namespace orbinex
