@@ -34,15 +34,24 @@ GattApplication::GattApplication(BluezBus& bus, std::set<Characteristic> charact
     qDBusRegisterMetaType<ManagedObjects>();
 }
 
-void GattApplication::notify(Characteristic characteristic, ByteView value) {
-    auto signal =
-        QDBusMessage::createSignal(objectPath(characteristic), Bluez::properties, "PropertiesChanged");
-    signal << QString(Bluez::characteristic) << QVariantMap{{"Value", byteArray(value)}} << QStringList();
-    send(signal);
+std::vector<Characteristic> GattApplication::subscribed() const {
+    std::vector<Characteristic> result;
+    for (const auto& [characteristic, subscription] : subscriptions_) result.push_back(characteristic);
+    return result;
+}
+
+bool GattApplication::notify(Characteristic characteristic, ByteView value) {
+    const auto subscription = subscriptions_.find(characteristic);
+    if (subscription == subscriptions_.end()) return false;
+    const auto former = latest_ ? subscriptions_.find(*latest_) : subscriptions_.end();
+    // Each has its own socket, and a phone's notifications go out in order.
+    if (former != subscriptions_.end() && former != subscription) former->second->waitUntilTaken();
+    latest_ = characteristic;
+    return subscription->second->notify(value);
 }
 
 void GattApplication::forgetSubscriptions() {
-    for (const auto characteristic : std::exchange(subscribed_, {})) onSubscription(characteristic, false);
+    for (const auto characteristic : subscribed()) end(characteristic);
 }
 
 GattApplication::ManagedObjects GattApplication::objects() const {
@@ -52,10 +61,12 @@ GattApplication::ManagedObjects GattApplication::objects() const {
     for (const auto characteristic : characteristics_) {
         QStringList flagList;
         for (const auto& flag : flags(characteristic, infoAccess_)) flagList << QString::fromStdString(flag);
-        result[QDBusObjectPath(objectPath(characteristic))][Bluez::characteristic] = {
-            {"UUID", QString::fromStdString(uuid(characteristic).text())},
-            {"Service", QVariant::fromValue(QDBusObjectPath(servicePath))},
-            {"Flags", flagList}};
+        QVariantMap properties{{"UUID", QString::fromStdString(uuid(characteristic).text())},
+                               {"Service", QVariant::fromValue(QDBusObjectPath(servicePath))},
+                               {"Flags", flagList}};
+        // That it is there at all asks bluetoothd to take notifications from a socket.
+        if (flagList.contains("notify")) properties["NotifyAcquired"] = isSubscribed(characteristic);
+        result[QDBusObjectPath(objectPath(characteristic))][Bluez::characteristic] = properties;
     }
     return result;
 }
@@ -81,8 +92,7 @@ std::optional<QDBusMessage> GattApplication::answer(const QDBusMessage& call) {
     if (!characteristic) return unknown(call);
     if (method == QLatin1String("ReadValue") && characteristic == Characteristic::info) return read(call);
     if (method == QLatin1String("WriteValue")) return write(*characteristic, call);
-    if (method == QLatin1String("StartNotify")) return subscribe(*characteristic, true, call);
-    if (method == QLatin1String("StopNotify")) return subscribe(*characteristic, false, call);
+    if (method == QLatin1String("AcquireNotify")) return acquire(*characteristic, call);
     return unknown(call);
 }
 
@@ -105,12 +115,20 @@ QDBusMessage GattApplication::write(Characteristic characteristic, const QDBusMe
     return call.createReply();
 }
 
-QDBusMessage GattApplication::subscribe(Characteristic characteristic, bool isWanted,
-                                        const QDBusMessage& call) {
-    const bool isNews =
-        isWanted ? subscribed_.insert(characteristic).second : subscribed_.erase(characteristic) > 0;
-    if (isNews) onSubscription(characteristic, isWanted);
-    return call.createReply();
+QDBusMessage GattApplication::acquire(Characteristic characteristic, const QDBusMessage& call) {
+    const auto options = qdbus_cast<QVariantMap>(call.arguments().value(0).value<QDBusArgument>());
+    end(characteristic);
+    auto subscription = std::make_unique<Subscription>([this, characteristic] { end(characteristic); });
+    const auto farEnd = QVariant::fromValue(subscription->takeFarEnd());
+    subscriptions_[characteristic] = std::move(subscription);
+    onSubscription(characteristic, true);
+    const auto mtu = QVariant::fromValue(static_cast<quint16>(options.value("mtu").toUInt()));
+    return call.createReply(QVariantList{farEnd, mtu});
+}
+
+void GattApplication::end(Characteristic characteristic) {
+    const auto subscription = subscriptions_.extract(characteristic);
+    if (!subscription.empty()) onSubscription(characteristic, false);
 }
 
 }  // namespace orbinex::test_phone

@@ -3,6 +3,8 @@
 #include <QDBusObjectPath>
 #include <QMap>
 #include <functional>
+#include <map>
+#include <memory>
 #include <set>
 #include <vector>
 
@@ -11,6 +13,7 @@
 #include "test_phone/characteristic.h"
 #include "test_phone/command.h"
 #include "test_phone/served_object.h"
+#include "test_phone/subscription.h"
 
 namespace orbinex::test_phone {
 
@@ -25,11 +28,11 @@ class GattApplication final : public ServedObject {
 
     /// Whether a computer wants to be notified. bluetoothd tells only the first and the last of several.
     [[nodiscard]] bool isSubscribed(Characteristic characteristic) const {
-        return subscribed_.contains(characteristic);
+        return subscriptions_.contains(characteristic);
     }
-    [[nodiscard]] const std::set<Characteristic>& subscribed() const { return subscribed_; }
-    /// Gives the value to those who want it.
-    void notify(Characteristic characteristic, ByteView value);
+    [[nodiscard]] std::vector<Characteristic> subscribed() const;
+    /// Gives the value to those who want it; false when it was not taken.
+    [[nodiscard]] bool notify(Characteristic characteristic, ByteView value);
     /// There is nobody any more, as bluetoothd has dropped the application.
     void forgetSubscriptions();
 
@@ -50,11 +53,14 @@ class GattApplication final : public ServedObject {
     [[nodiscard]] std::optional<Characteristic> characteristicAt(const QString& objectPath) const;
     std::optional<QDBusMessage> read(const QDBusMessage& call);
     QDBusMessage write(Characteristic characteristic, const QDBusMessage& call);
-    QDBusMessage subscribe(Characteristic characteristic, bool isWanted, const QDBusMessage& call);
+    QDBusMessage acquire(Characteristic characteristic, const QDBusMessage& call);
+    void end(Characteristic characteristic);
 
     std::set<Characteristic> characteristics_;
     InfoAccess infoAccess_;
-    std::set<Characteristic> subscribed_;
+    std::map<Characteristic, std::unique_ptr<Subscription>> subscriptions_;
+    /// That of the latest notification.
+    std::optional<Characteristic> latest_;
 };
 
 }  // namespace orbinex::test_phone

@@ -115,9 +115,7 @@ PhoneRadio::Done Phone::answering(const std::string& name) {
 
 bool Phone::notify(Characteristic characteristic, ByteView value) {
     // bluetoothd keeps a bonded computer's subscriptions while it is away.
-    if (radio_.hosts().connected().empty() || !application_.isSubscribed(characteristic)) return false;
-    application_.notify(characteristic, value);
-    return true;
+    return !radio_.hosts().connected().empty() && application_.notify(characteristic, value);
 }
 
 bool Phone::send(const DecodedPacket& packet) {

@@ -50,6 +50,8 @@ void PhoneRadio::start() {
     };
     bus_.onPropertiesChanged = [this](const QString& path, const QString& interface,
                                       const QVariantMap& changed, const QStringList& invalidated) {
+        // Of what other programs read from other peripherals, nothing is kept.
+        if (interface != QLatin1String(Bluez::adapter) && interface != QLatin1String(Bluez::device)) return;
         objects_.change(path, interface, changed, invalidated);
         reviewHosts();
     };
