@@ -5,8 +5,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "protocol/control_message.h"
 #include "base/line_reader.h"
+#include "protocol/control_message.h"
 #include "test_phone/transcript.h"
 
 namespace orbinex::test_phone {
