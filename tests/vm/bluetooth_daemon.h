@@ -23,6 +23,10 @@ class BluetoothDaemon {
     /// kill -9. Returns when the bus has noticed.
     void kill();
     [[nodiscard]] bool isRunning() const { return process_ && process_->isRunning(); }
+    /// As Process tells it; zero while it does not run.
+    [[nodiscard]] Milliseconds processorTime() const {
+        return process_ ? process_->processorTime() : Milliseconds::zero();
+    }
 
   private:
     Bluetooth& bluetooth_;

@@ -1,0 +1,238 @@
+// A minute of the pace at which a finger moves a pointer, over the air.
+
+#include <QCoreApplication>
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusObjectPath>
+#include <QDBusUnixFileDescriptor>
+#include <QEventLoop>
+#include <QTimer>
+#include <chrono>
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <time.h>
+
+#include "app/linux/qt_main_queue.h"
+#include "input/x11/x_client.h"
+#include "link/bluez/bluez_bus.h"
+#include "link/bluez/bluez_names.h"
+#include "link/bluez/bluez_objects.h"
+#include "link/bluez/notify_socket.h"
+#include "protocol/gatt.h"
+#include "test_phone/numbered_moves.h"
+#include "vm/link_scenario.h"
+
+namespace orbinex::test {
+namespace {
+
+using namespace std::chrono_literals;
+using test_phone::Offset;
+using test_phone::offsetAfter;
+
+constexpr std::uint32_t perSecond = 125;
+constexpr std::uint32_t total = 60 * perSecond;
+/// The machine is slow; what is late is sent as soon as possible.
+constexpr Milliseconds rateLimit = 8min;
+
+class NotificationScenario : public LinkScenario {
+  protected:
+    /// Where the pointer has been, from where it is now.
+    void watchPointer() {
+        XClient& client = desktop().client();
+        client.takeEvents();
+        start_ = client.pointer();
+    }
+    void notePointer() {
+        for (const auto& event : desktop().client().takeEvents()) {
+            if (event.type == XClient::Event::Type::motion)
+                places_.push_back({event.x - start_.first, event.y - start_.second});
+        }
+    }
+
+    /// The phone's own words of what it has sent.
+    [[nodiscard]] std::string sent() const {
+        const auto& line = phone().found();
+        return line.substr(line.find("rate ") + 5);
+    }
+
+    std::pair<int, int> start_;
+    std::vector<Offset> places_;
+};
+
+TEST_F(NotificationScenario, aMinuteOfMovesIsSeenByAClientWithoutALossAndInOrder) {
+    ASSERT_NO_FATAL_FAILURE(meet());
+    watchPointer();
+    const auto programBefore = program().processorTime();
+    const auto daemonBefore = daemon().processorTime();
+
+    phone().send("rate " + std::to_string(perSecond) + " 60");
+    const auto hasAll = [&] {
+        notePointer();
+        return places_.size() >= total;
+    };
+    EXPECT_TRUE(waitUntil(hasAll, rateLimit)) << places_.size() << " moves have been seen";
+    ASSERT_TRUE(phone().waitFor("ok rate " + std::to_string(total), limit));
+    const auto used = [](Milliseconds now, Milliseconds before) {
+        return static_cast<double>((now - before).count()) / total;
+    };
+    std::printf("figures: %s; processor time a move: orbinex %.2f ms, bluetoothd (for both ends) %.2f ms\n",
+                sent().c_str(), used(program().processorTime(), programBefore),
+                used(daemon().processorTime(), daemonBefore));
+
+    notePointer();
+    ASSERT_EQ(places_.size(), total);
+    for (std::uint32_t i = 0; i < total; ++i) {
+        const auto expected = offsetAfter(i + 1);
+        ASSERT_EQ(std::pair(places_[i].x, places_[i].y), std::pair(expected.x, expected.y))
+            << "after move " << i;
+    }
+}
+
+/// A program that does nothing but listen, built of the same parts.
+class Listener {
+  public:
+    Listener() {
+        bus_.onOwnerChanged = [] {};
+        bus_.onSilence = [] {};
+        bus_.onInterfacesAdded = [](const auto&...) {};
+        bus_.onInterfacesRemoved = [](const auto&...) {};
+        bus_.onPropertiesChanged = [this](const QString& path, const QString&, const QVariantMap& changed,
+                                          const QStringList&) {
+            if (path == characteristic_ && changed.contains(QStringLiteral("Value")))
+                heard(changed[QStringLiteral("Value")].toByteArray());
+        };
+        bus_.start();
+    }
+
+    std::uint32_t count = 0;
+    /// Whether every one so far was the one after the last.
+    bool isInOrder = true;
+
+    template <class Condition>
+    [[nodiscard]] static bool runUntil(Condition condition, Milliseconds span) {
+        const auto end = std::chrono::steady_clock::now() + span;
+        // Wakes up now and then, for the end.
+        QTimer tick;
+        tick.start(500);
+        while (!condition() && std::chrono::steady_clock::now() < end)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        return condition();
+    }
+
+    BluezBus::Reply call(const QString& path, const char* interface, const char* method,
+                         const QVariantList& arguments = {}) {
+        std::optional<BluezBus::Reply> answer;
+        EXPECT_TRUE(runUntil([this] { return bus_.isOwned(); }, 10s));
+        bus_.call(path, interface, method, arguments, 30s,
+                  [&](const BluezBus::Reply& reply) { answer = reply; });
+        EXPECT_TRUE(runUntil([&] { return answer.has_value(); }, 60s)) << method;
+        EXPECT_FALSE(answer->error) << method;
+        return *answer;
+    }
+
+    [[nodiscard]] BluezObjects objects() {
+        using Managed = QMap<QDBusObjectPath, BluezInterfaces>;
+        const auto reply = call("/", Bluez::objectManager, "GetManagedObjects");
+        BluezObjects result;
+        const auto managed = qdbus_cast<Managed>(reply.arguments.at(0).value<QDBusArgument>());
+        for (auto it = managed.begin(); it != managed.end(); ++it) result.add(it.key().path(), it.value());
+        return result;
+    }
+
+    void subscribe(const QString& characteristic, bool bySocket) {
+        characteristic_ = characteristic;
+        count = 0;
+        isInOrder = true;
+        if (!bySocket) {
+            call(characteristic, Bluez::characteristic, "StartNotify");
+            return;
+        }
+        const auto reply = call(characteristic, Bluez::characteristic, "AcquireNotify", {QVariantMap()});
+        socket_ = std::make_unique<NotifySocket>(
+            reply.arguments.at(0).value<QDBusUnixFileDescriptor>(),
+            [this](ByteView value) {
+                heard(QByteArray(reinterpret_cast<const char*>(value.data()),
+                                 static_cast<qsizetype>(value.size())));
+            },
+            [] {});
+    }
+    void unsubscribe() {
+        if (socket_) {
+            socket_.reset();
+        } else {
+            call(characteristic_, Bluez::characteristic, "StopNotify");
+        }
+    }
+
+  private:
+    void heard(const QByteArray& value) {
+        const auto expected = test_phone::numberedMove(count++);
+        isInOrder = isInOrder && value == QByteArray(reinterpret_cast<const char*>(expected.data()),
+                                                     static_cast<qsizetype>(expected.size()));
+    }
+
+    QtMainQueue queue_;
+    BluezBus bus_{queue_, QDBusConnection::systemBus()};
+    QString characteristic_;
+    std::unique_ptr<NotifySocket> socket_;
+};
+
+double ownProcessorMilliseconds() {
+    timespec time{};
+    ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) * 1e-6;
+}
+
+TEST_F(NotificationScenario, socketsAndSignalsBringEverythingAtTheirOwnCost) {
+    ASSERT_NO_FATAL_FAILURE(meet());
+    endProgram();
+    const auto devices = bluetooth().devices(hostAdapter);
+    ASSERT_EQ(devices.size(), 1U);
+    ASSERT_TRUE(phone().waitFor("disconnected", limit));
+    auto device = QString::fromStdString("/org/bluez/" + hostAdapter + "/dev_" + devices[0].address);
+    device.replace(':', '_');
+
+    Listener listener;
+    listener.call(device, Bluez::device, "Connect");
+    const auto areResolved = [&] {
+        const auto all = bluetooth().devices(hostAdapter);
+        return !all.empty() && all[0].areServicesResolved;
+    };
+    ASSERT_TRUE(waitUntil(areResolved, limit));
+    const auto objects = listener.objects();
+    const auto service = findService(objects, device, OrbinexProtocol::serviceUUID);
+    QString mouse;
+    for (const auto& known : characteristicsOf(objects, service)) {
+        if (known.uuid == OrbinexProtocol::mouseCharacteristicUUID) mouse = known.path;
+    }
+    ASSERT_FALSE(mouse.isEmpty());
+
+    constexpr std::uint32_t moves = 10 * perSecond;
+    for (const bool bySocket : {true, false}) {
+        listener.subscribe(mouse, bySocket);
+        ASSERT_TRUE(phone().waitFor("subscribed mouse", limit));
+        const auto daemonBefore = daemon().processorTime();
+        const auto ownBefore = ownProcessorMilliseconds();
+        phone().send("rate " + std::to_string(perSecond) + " 10");
+        EXPECT_TRUE(Listener::runUntil([&] { return listener.count >= moves; }, rateLimit));
+        const auto own = ownProcessorMilliseconds() - ownBefore;
+        const auto inDaemon = static_cast<double>((daemon().processorTime() - daemonBefore).count());
+        ASSERT_TRUE(phone().waitFor("ok rate", limit));
+        EXPECT_EQ(listener.count, moves);
+        EXPECT_TRUE(listener.isInOrder);
+        std::printf("figures: %s: %s; processor time each: own %.3f ms, bluetoothd (for both ends) %.2f ms\n",
+                    bySocket ? "AcquireNotify" : "StartNotify", sent().c_str(), own / moves,
+                    inDaemon / moves);
+        listener.unsubscribe();
+        ASSERT_TRUE(phone().waitFor("unsubscribed mouse", limit));
+    }
+    listener.call(device, Bluez::device, "Disconnect");
+}
+
+}  // namespace
+}  // namespace orbinex::test
