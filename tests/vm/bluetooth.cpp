@@ -12,8 +12,8 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr int callLimitMilliseconds = 10'000;
-constexpr Milliseconds switchLimit = 20s;
+constexpr int callLimitMilliseconds = 30'000;
+constexpr Milliseconds switchLimit = 60s;
 constexpr Milliseconds endingLimit = 15s;
 
 const QString service = QStringLiteral("org.bluez");

@@ -43,6 +43,7 @@ BluezCentral::BluezCentral(const QDBusConnection& connection, Ports ports)
                     [this](bool isConnecting) { discovery_.setPaused(isConnecting); }}),
       pairing_(bus_, ports.prompt),
       gatt_(bus_, ports.queue, objects_, devices_, connections_, pairing_, [this] { askForObjects(); }) {
+    devices_.onBonded = [this](const UUID& device) { bonded(device); };
     bus_.onOwnerChanged = [this] { ownerChanged(); };
     // Some calls wait for the radio. Whether bluetoothd itself hangs shows in one that does not.
     bus_.onSilence = [this] {
@@ -236,6 +237,14 @@ void BluezCentral::objectChanged(const QString& path, const QString& interface, 
         if (isHeard) heard(*device);
         reviewDevice(*device);
     }
+}
+
+/// A bond that nobody was asked about is taken back, and the connection with it.
+void BluezCentral::bonded(const UUID& device) {
+    const auto object = devices_.find(device);
+    if (!object || !connections_.noteBond(device)) return;
+    bus_.call(adapter_, Bluez::adapter, "RemoveDevice", {QVariant::fromValue(QDBusObjectPath(object->path))},
+              BluezBus::ordinaryLimit, [](const BluezBus::Reply&) {});
 }
 
 void BluezCentral::reviewDevice(const UUID& device) {

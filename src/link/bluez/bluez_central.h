@@ -86,6 +86,7 @@ class BluezCentral final : public BluetoothCentral {
     void objectRemoved(const QString& path, const QStringList& interfaces);
     void objectChanged(const QString& path, const QString& interface, const QVariantMap& changed,
                        const QStringList& invalidated);
+    void bonded(const UUID& device);
     void reviewDevice(const UUID& device);
     void heard(const UUID& device);
 

@@ -69,7 +69,20 @@ void BluezConnections::setPairing(const UUID& device, bool isPairing) {
     auto* const contact = this->contact(device);
     if (!contact) return;
     contact->isPairing = isPairing;
+    contact->hasPaired = true;
     later(device);
+}
+
+bool BluezConnections::noteBond(const UUID& device) {
+    auto* const contact = this->contact(device);
+    if (!contact || contact->hasPaired || (!contact->isConnecting && !contact->connectedSince)) return false;
+    contact->isBondUnasked = true;
+    return true;
+}
+
+bool BluezConnections::isBondUnasked(const UUID& device) const {
+    const auto found = contacts_.find(device);
+    return found != contacts_.end() && found->second.isBondUnasked;
 }
 
 /// Not at once: the link is not called from within its own calls.
@@ -104,6 +117,11 @@ void BluezConnections::noteConnection(const UUID& device) {
     if (contact->isReported || !std::exchange(contact->connectedSince, std::nullopt)) return;
     contact->hasDropped = true;
     contact->restsUntil = queue_.uptime() + restAfterFailure;
+    if (contact->isBondUnasked && contact->wish && !contact->isCancelling) {
+        contact->wish.reset();
+        const auto error = notPaired();
+        return handlers_.onFailed(device, &error);
+    }
     // While the call is under way, its answer tells.
     if (object && object->isBonded && contact->wish && !contact->isConnecting && !contact->isCancelling) {
         failedAtOnce(device, endedByDevice);
@@ -168,6 +186,8 @@ void BluezConnections::rest(Contact& contact, std::chrono::nanoseconds time) {
 void BluezConnections::callConnect(const UUID& device) {
     auto& contact = contacts_.at(device);
     contact.isConnecting = true;
+    contact.hasPaired = false;
+    contact.isBondUnasked = false;
     contact.hasDropped = false;
     contact.callBegan = queue_.uptime();
     tellConnecting();
@@ -251,8 +271,9 @@ void BluezConnections::reportDisconnected(const UUID& device) {
     rest(contact, isOurs ? restAfterDrop : wasShort ? restAfterFailure : std::chrono::seconds(0));
     // BlueZ gives no reason; here it is known.
     const bool isForgotten = !isOurs && contact.promptFailures >= failuresOfForgottenPairing;
-    const auto error = forgottenPairing(endedByDevice);
-    handlers_.onDisconnected(device, isForgotten ? &error : nullptr);
+    const bool isUnasked = !isOurs && contact.isBondUnasked;
+    const auto error = isForgotten ? forgottenPairing(endedByDevice) : notPaired();
+    handlers_.onDisconnected(device, isForgotten || isUnasked ? &error : nullptr);
 }
 
 }  // namespace orbinex

@@ -56,6 +56,10 @@ class BluezConnections {
     /// Something about the device is different, or it was heard.
     void review(const UUID& device);
     void reviewAll();
+    /// The device has become bonded. True when that happened on a connection of ours without a pairing that
+    /// the user was asked about: a device can bring a bond about by itself, and nothing may rest on that.
+    bool noteBond(const UUID& device);
+    [[nodiscard]] bool isBondUnasked(const UUID& device) const;
     /// While a device is being paired, the end of its connection is not reported.
     void setPairing(const UUID& device, bool isPairing);
 
@@ -65,7 +69,9 @@ class BluezConnections {
         Initiative initiative = Initiative::program;
         bool isReported = false;
         bool isPairing = false;
-        bool isConnecting = false;  ///< until it is known what came of it
+        bool hasPaired = false;      ///< the user was asked, on this connection
+        bool isBondUnasked = false;  ///< on this connection
+        bool isConnecting = false;   ///< until it is known what came of it
         bool isCancelling = false;
         bool isDisconnecting = false;
         bool hasDropped = false;  ///< since the Connect call was made

@@ -1,6 +1,9 @@
 #include "link/bluez/bluez_devices.h"
 
+#include <utility>
+
 #include "link/bluez/bluez_names.h"
+#include "link/nearby_device.h"
 
 namespace orbinex {
 
@@ -23,12 +26,17 @@ std::optional<UUID> BluezDevices::noticed(const QString& path) {
     if (device->isConnected) {
         known.nameWhileConnected = device->name;
     } else if (!device->name.empty() && device->name != known.nameWhileConnected) {
-        known.advertisedName = device->name;
+        // The signal that it is connected may come after the one with the name that a connection brings.
+        const bool isOurs = parseAdvertisedName(known.advertisedName.value_or(std::string())).has_value();
+        if (!isOurs || parseAdvertisedName(device->name)) known.advertisedName = device->name;
     }
     if (device->isBonded && book_.remember(device->address, device->isAddressRandom, known.identifier)) {
         defaults_.setString(identitiesKey, book_.stored());
     }
-    return known.identifier;
+    const bool wasBonded = std::exchange(known.isBonded, device->isBonded);
+    const UUID identifier = known.identifier;
+    if (!isNew && !wasBonded && device->isBonded) onBonded(identifier);
+    return identifier;
 }
 
 std::optional<UUID> BluezDevices::identifierAt(const QString& path) const {

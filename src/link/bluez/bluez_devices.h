@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -24,6 +25,9 @@ class BluezDevices {
     /// Both must outlive this.
     BluezDevices(const BluezObjects& objects, UserDefaults& defaults);
 
+    /// A device that was not bonded now is; called from noticed().
+    std::function<void(const UUID&)> onBonded;
+
     /// Forgets the devices and takes up those of this adapter; empty is none.
     void useAdapter(const QString& adapter);
     /// A device object has come or changed. Its identifier, nothing when it is no device of the adapter.
@@ -45,6 +49,7 @@ class BluezDevices {
         std::optional<std::string> advertisedName;
         /// The one that a connection has brought; it stays after it, until the next advertisement.
         std::string nameWhileConnected;
+        bool isBonded = false;
     };
     using Entry = std::map<QString, Known>::value_type;
     [[nodiscard]] const Entry* entry(const UUID& identifier) const;

@@ -148,9 +148,10 @@ void BluezGatt::reportValue(const UUID& device, const UUID& characteristic, Byte
 void BluezGatt::readValue(const UUID& device, const UUID& characteristic) {
     const auto object = devices_.find(device);
     if (!object || !channel(device, characteristic)) return;
-    if (object->isBonded) {
+    const bool isUnasked = connections_.isBondUnasked(device);
+    if (object->isBonded && !isUnasked) {
         read(device, characteristic);
-    } else if (connections_.initiative(device) == Initiative::user) {
+    } else if (!isUnasked && connections_.initiative(device) == Initiative::user) {
         pairThenRead(device, characteristic);
     } else {
         queue_.post(conversations_.at(device).calls->guard([this, device, characteristic] {
@@ -231,7 +232,7 @@ void BluezGatt::setNotify(const UUID& device, const UUID& characteristic, bool e
     if (!channel) return;
     const auto object = devices_.find(device);
     channel->isWanted = enabled;
-    if (enabled && object && object->isBonded) {
+    if (enabled && object && object->isBonded && !connections_.isBondUnasked(device)) {
         acquire(device, characteristic);
         return;
     }
@@ -258,10 +259,10 @@ void BluezGatt::acquired(const UUID& device, const UUID& characteristic, const B
     if (!channel || !channel->isWanted) return;
     // Another program may have the socket.
     if (reply.error || reply.signature != QLatin1String("hq")) return startNotify(device, characteristic);
-    auto descriptor = reply.arguments[0].value<QDBusUnixFileDescriptor>();
+    const auto descriptor = reply.arguments[0].value<QDBusUnixFileDescriptor>();
     if (!descriptor.isValid()) return startNotify(device, characteristic);
     channel->socket = std::make_unique<NotifySocket>(
-        std::move(descriptor),
+        descriptor,
         [this, device, characteristic](ByteView value) {
             reportValue(device, characteristic, value, nullptr);
         },

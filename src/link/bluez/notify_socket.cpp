@@ -24,9 +24,9 @@ bool isHungUp(int descriptor) {
 
 }  // namespace
 
-NotifySocket::NotifySocket(QDBusUnixFileDescriptor descriptor, std::function<void(ByteView)> onValue,
+NotifySocket::NotifySocket(const QDBusUnixFileDescriptor& descriptor, std::function<void(ByteView)> onValue,
                            std::function<void()> onEnd)
-    : descriptor_(std::move(descriptor)),
+    : descriptor_(descriptor),
       callbacks_(std::make_shared<const Callbacks>(Callbacks{std::move(onValue), std::move(onEnd)})),
       notifier_(std::make_unique<QSocketNotifier>(descriptor_.fileDescriptor(), QSocketNotifier::Read)) {
     QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(), [this] { drain(); });

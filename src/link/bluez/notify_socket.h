@@ -14,7 +14,7 @@ namespace orbinex {
 class NotifySocket {
   public:
     /// `onValue` gets every packet, valid for the call; `onEnd` is called once, when the other end closes.
-    NotifySocket(QDBusUnixFileDescriptor descriptor, std::function<void(ByteView)> onValue,
+    NotifySocket(const QDBusUnixFileDescriptor& descriptor, std::function<void(ByteView)> onValue,
                  std::function<void()> onEnd);
     NotifySocket(const NotifySocket&) = delete;
     NotifySocket& operator=(const NotifySocket&) = delete;
