@@ -122,6 +122,7 @@ void BluezWorld::start() {
 }
 
 void BluezWorld::quit() {
+    if (!connection_) return;
     central.reset();
     settle();
     connection_.reset();
@@ -136,10 +137,15 @@ void BluezWorld::restart() {
 /// What either side has sent before this has been delivered after it.
 void BluezWorld::pump() {
     std::vector<std::unique_ptr<QDBusPendingCallWatcher>> answers;
+    int expected = 0;
     const auto ping = [&](const QDBusConnection& from, const QDBusConnection& to) {
-        answers.push_back(
-            std::make_unique<QDBusPendingCallWatcher>(from.asyncCall(QDBusMessage::createMethodCall(
-                to.baseService(), "/nothing", "org.freedesktop.DBus.Peer", "Ping"))));
+        const auto message =
+            QDBusMessage::createMethodCall(to.baseService(), "/nothing", "org.freedesktop.DBus.Peer", "Ping");
+        answers.push_back(std::make_unique<QDBusPendingCallWatcher>(from.asyncCall(message)));
+        // That it is finished is known before this thread has been handed what came earlier; the signal
+        // comes in its turn.
+        QObject::connect(answers.back().get(), &QDBusPendingCallWatcher::finished, [&] { --expected; });
+        ++expected;
     };
     const auto bus = QDBusConnection::connectToBus(busAddress(), "pump");
     ping(*connection_, bus);
@@ -148,9 +154,7 @@ void BluezWorld::pump() {
         ping(*connection_, bluez.connection());
     }
     ping(bus, *connection_);
-    for (const auto& answer : answers) {
-        while (!answer->isFinished()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    }
+    while (expected > 0) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     QCoreApplication::processEvents();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     queue.runDue();
@@ -160,9 +164,10 @@ void BluezWorld::settle() {
     std::size_t before = 0;
     int quietTurns = 0;
     queue.runDue();
-    while (quietTurns < 3) {
+    // In one turn an answer may be on its way to the central and its next call still to come.
+    while (quietTurns < 2) {
         pump();
-        const auto now = bluez.calls.size() + seen.lines.size() + prompt.asked.size();
+        const auto now = bluez.calls.size() + bluez.sent + seen.lines.size() + prompt.asked.size();
         quietTurns = now == before ? quietTurns + 1 : 0;
         before = now;
     }

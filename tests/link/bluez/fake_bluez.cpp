@@ -82,10 +82,12 @@ int FakeBluez::count(const QString& method) const {
 }
 
 void FakeBluez::answer(const QDBusMessage& call, const QVariantList& arguments) {
+    ++sent;
     connection_->send(call.createReply(arguments));
 }
 
 void FakeBluez::fail(const QDBusMessage& call, const char* name, const char* text) {
+    ++sent;
     connection_->send(call.createErrorReply(name, text));
 }
 
@@ -96,6 +98,7 @@ void FakeBluez::signal(const QString& path, const char* interface, const char* n
     if (!connection_) return;
     auto message = QDBusMessage::createSignal(path, interface, name);
     message.setArguments(arguments);
+    ++sent;
     connection_->send(message);
 }
 
@@ -256,6 +259,7 @@ void FakeBluez::startPair(const QDBusMessage& call, FakePhone& phone) {
 void FakeBluez::askAgent(const char* method, const QVariantList& arguments, std::function<void(bool)> done) {
     auto question = QDBusMessage::createMethodCall(agent_->first, agent_->second, Bluez::agent, method);
     question.setArguments(arguments);
+    ++sent;
     auto* const watcher = new QDBusPendingCallWatcher(connection_->asyncCall(question), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, done = std::move(done)] {
         watcher->deleteLater();

@@ -103,6 +103,7 @@ class FakeBluez final : public QDBusVirtualObject {
     std::map<QString, Script> scripts;
     std::vector<QDBusMessage> kept;  ///< calls that were left unanswered
     std::vector<QDBusMessage> calls;
+    std::size_t sent = 0;  ///< messages, of any kind
     /// Whether Connect and the like are answered before their signals are sent.
     bool answersFirst = false;
     std::map<QString, BluezInterfaces> objects;
