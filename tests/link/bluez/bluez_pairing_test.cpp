@@ -187,5 +187,36 @@ TEST(BluezPairing, answersForNoOtherDeviceAndToNobodyElse) {
     EXPECT_EQ(world.prompt.withdrawn, 0);
 }
 
+TEST(BluezPairing, takesBackABondThatAPhoneBringsAboutByItself) {
+    for (const auto initiative : {Initiative::user, Initiative::program}) {
+        BluezWorld world;
+        world.connect(initiative);
+        world.take();
+        world.bluez.bond(world.phone);
+        world.settle();
+        EXPECT_EQ(world.bluez.count("RemoveDevice"), 1);
+        world.central->readValue(world.id(), infoCharacteristicUUID);
+        world.central->setNotify(world.id(), mouseCharacteristicUUID, true);
+        world.settle();
+        EXPECT_EQ(world.take(), (Lines{"info=: attribute 5", "mouse off: attribute 5"}));
+        world.bluez.drop(world.phone);
+        world.settle();
+        EXPECT_EQ(world.take(), Lines{"disconnected: attribute 5"});
+        for (const char* method : {"Pair", "ReadValue", "AcquireNotify", "StartNotify"}) {
+            EXPECT_EQ(world.bluez.count(method), 0) << method;
+        }
+    }
+}
+
+TEST(BluezPairing, ofADeviceInTheDesktopsSettingsIsTheUsersAffair) {
+    BluezWorld world;
+    world.discover();
+    world.bluez.bond(world.phone);
+    world.settle();
+    EXPECT_EQ(world.bluez.count("RemoveDevice"), 0);
+    readInfo(world, Initiative::program);
+    EXPECT_EQ(world.take(), Lines{"info=info"});
+}
+
 }  // namespace
 }  // namespace orbinex::test
