@@ -8,6 +8,14 @@
 
 namespace orbinex {
 
+namespace {
+
+std::string signal(const NearbyDevice& device) {
+    return std::to_string(device.rssi) + " dBm";
+}
+
+}  // namespace
+
 struct TerminalConsole::Command {
     const char* name;
     const char* argument;  ///< empty when it has none
@@ -24,9 +32,8 @@ const std::vector<TerminalConsole::Command>& TerminalConsole::commands() {
         {"connect", "NUMBER|NAME", "connects one of them; a new one is paired and trusted",
          [](Console& c, Text wanted) { c.connect(wanted); }},
         {"disconnect", "", "ends the connection; it is not made again by itself",
-         [](Console& c, Text) { c.app_.centralManager.disconnect(); }},
-        {"cancel", "", "gives up connecting",
-         [](Console& c, Text) { c.app_.centralManager.cancelConnectionAttempt(); }},
+         [](Console& c, Text) { c.disconnect(); }},
+        {"cancel", "", "gives up connecting", [](Console& c, Text) { c.cancel(); }},
         {"forget", "NUMBER|NAME", "trusts it no longer", [](Console& c, Text wanted) { c.forget(wanted); }},
         {"rescan", "", "searches anew", [](Console& c, Text) { c.app_.centralManager.rescan(); }},
         {"auto", "on|off", "whether trusted iPhones are connected by themselves",
@@ -75,11 +82,13 @@ void TerminalConsole::help() {
 
 TerminalConsole::Entry TerminalConsole::trustedEntry(const TrustedDevice& device) const {
     const auto& link = app_.centralManager;
+    const auto& nearby = *link.nearbyDevices;
+    const auto heard = std::ranges::find(nearby, device.id, &NearbyDevice::trustedDeviceID);
     std::string state = "trusted, not nearby";
     if (link.isActive(device)) {
         state = *link.phase == LinkPhase::connected ? "trusted, connected" : "trusted, connecting";
-    } else if (link.isNearby(device.id)) {
-        state = "trusted, nearby";
+    } else if (heard != nearby.end()) {
+        state = "trusted, " + signal(*heard);
     }
     return {device.id, {}, device.name, state};
 }
@@ -88,8 +97,7 @@ std::vector<TerminalConsole::Entry> TerminalConsole::entries() const {
     std::vector<Entry> result;
     for (const auto& device : *app_.trustStore.devices) result.push_back(trustedEntry(device));
     for (const auto& device : app_.centralManager.untrustedNearbyDevices()) {
-        result.push_back(
-            {std::nullopt, device.id, device.name, "new, " + std::to_string(device.rssi) + " dBm"});
+        result.push_back({std::nullopt, device.id, device.name, "new, " + signal(device)});
     }
     return result;
 }
@@ -119,21 +127,37 @@ const TerminalConsole::Entry* TerminalConsole::find(const std::string& wanted) {
     return nullptr;
 }
 
+/// Also of one that has been trusted since it was listed.
 std::optional<TrustedDevice> TerminalConsole::trustedDevice(const Entry& entry) const {
-    const auto& devices = *app_.trustStore.devices;
-    const auto found =
-        std::ranges::find_if(devices, [&](const auto& device) { return device.id == entry.trusted; });
-    return found == devices.end() ? std::nullopt : std::optional(*found);
+    if (entry.trusted) return app_.trustStore.deviceWithID(*entry.trusted);
+    return app_.trustStore.deviceForPeripheral(entry.nearby);
 }
 
 void TerminalConsole::connect(const std::string& wanted) {
     const auto* const entry = find(wanted);
     if (!entry) return;
-    if (const auto device = trustedDevice(*entry)) return app_.centralManager.connectTrustedDevice(*device);
+    if (const auto device = trustedDevice(*entry)) {
+        app_.centralManager.connectTrustedDevice(*device);
+        // Kept in mind, but nothing happens now.
+        if (*app_.centralManager.bluetoothState != BluetoothState::poweredOn) status();
+        return;
+    }
     if (entry->trusted || !findNearby(*app_.centralManager.nearbyDevices, entry->nearby)) {
         return print_("It is not there any more.");
     }
     app_.centralManager.connectNearbyDevice(entry->nearby);
+}
+
+void TerminalConsole::disconnect() {
+    if (!app_.centralManager.session()) return print_("Nothing is connected.");
+    app_.centralManager.disconnect();
+}
+
+void TerminalConsole::cancel() {
+    const auto phase = *app_.centralManager.phase;
+    if (phase != LinkPhase::connecting && phase != LinkPhase::securing)
+        return print_("Nothing is connecting.");
+    app_.centralManager.cancelConnectionAttempt();
 }
 
 void TerminalConsole::forget(const std::string& wanted) {
@@ -147,7 +171,7 @@ void TerminalConsole::forget(const std::string& wanted) {
 
 void TerminalConsole::setAuto(const std::string& wanted) {
     if (wanted != "on" && wanted != "off") return print_("Usage: auto on|off");
-    app_.preferences.autoConnect = wanted == "on";
+    app_.preferences.setAutoConnect(wanted == "on");
 }
 
 void TerminalConsole::status() {

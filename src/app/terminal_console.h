@@ -45,6 +45,8 @@ class TerminalConsole {
     void help();
     void list();
     void connect(const std::string& wanted);
+    void disconnect();
+    void cancel();
     void forget(const std::string& wanted);
     void setAuto(const std::string& wanted);
     void status();

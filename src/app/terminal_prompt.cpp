@@ -1,5 +1,6 @@
 #include "app/terminal_prompt.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace orbinex {
@@ -7,7 +8,10 @@ namespace orbinex {
 void TerminalPrompt::ask(const std::string& name, const std::optional<std::string>& digits, Answer answer) {
     open_ = std::move(answer);
     const auto comparison = digits ? "It shows " + *digits + "." : "It shows no digits to compare.";
-    print_("Pair with \"" + name + "\"? " + comparison + " Type yes or no.");
+    // The name is whatever its owner wants; it must not end its quotes and go on with digits of its own.
+    std::string quoted = name;
+    std::ranges::replace(quoted, '"', '\'');
+    print_("Pair with \"" + quoted + "\"? " + comparison + " Type yes or no.");
     if (!canAnswer_) inputEnded();
 }
 

@@ -2,26 +2,24 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
-#include <QDBusConnection>
-#include <array>
-#include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <optional>
 #include <string>
 #include <system_error>
-
-#include <unistd.h>
+#include <utility>
 
 #include "app/app_coordinator.h"
 #include "app/linux/computer_name.h"
 #include "app/linux/fd_watch.h"
 #include "app/linux/qt_main_queue.h"
 #include "app/linux/settings_defaults.h"
+#include "app/linux/standard_input.h"
+#include "app/linux/standard_streams.h"
+#include "app/linux/system_bus.h"
 #include "app/linux/unix_signals.h"
 #include "app/terminal_console.h"
 #include "app/terminal_prompt.h"
-#include "base/line_reader.h"
+#include "app/terminal_text.h"
 #include "editor_bridge/idle_editor_bridge.h"
 #include "input/uinput/uinput_scroll.h"
 #include "input/x11/x11_connection.h"
@@ -34,46 +32,10 @@ namespace {
 
 using namespace orbinex;
 
-/// Names come from the air: what could move the cursor or end the line is replaced.
 void say(const std::string& line) {
-    std::string shown;
-    for (std::size_t i = 0; i < line.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(line[i]);
-        const bool isSecondSet =
-            byte == 0xc2 && i + 1 < line.size() && static_cast<unsigned char>(line[i + 1]) < 0xa0;
-        if (isSecondSet) ++i;
-        shown += byte < 0x20 || byte == 0x7f || isSecondSet ? '?' : line[i];
-    }
-    std::printf("%s\n", shown.c_str());
+    std::printf("%s\n", terminalText(line).c_str());
     std::fflush(stdout);
 }
-
-/// Hands what is typed to the console, until standard input ends. A program in the background of a terminal
-/// may not read there: it goes on without.
-class TerminalInput {
-  public:
-    TerminalInput(MainQueue& queue, TerminalConsole& console, TerminalPrompt& prompt) {
-        std::signal(SIGTTIN, SIG_IGN);
-        watch_.emplace(STDIN_FILENO, [this, &queue, &console, &prompt] {
-            std::array<char, 4096> bytes{};
-            const auto count = read(STDIN_FILENO, bytes.data(), bytes.size());
-            if (count > 0) {
-                for (const auto& line : lines_.take({bytes.data(), static_cast<std::size_t>(count)})) {
-                    console.execute(line);
-                }
-                return;
-            }
-            if (count < 0 && (errno == EINTR || errno == EAGAIN)) return;
-            prompt.inputEnded();
-            // Not at once: the watch is what is calling.
-            queue.post([this] { watch_.reset(); });
-        });
-    }
-
-  private:
-    LineReader lines_;
-    std::optional<FdWatch> watch_;
-};
 
 QString adapterWanted(const QCoreApplication& application) {
     QCommandLineParser parser;
@@ -88,6 +50,7 @@ QString adapterWanted(const QCoreApplication& application) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    prepareStandardStreams();
     const QCoreApplication application(argc, argv);
     const QString adapter = adapterWanted(application);
     QtMainQueue queue;
@@ -118,8 +81,9 @@ int main(int argc, char** argv) {
         QCoreApplication::exit(status);
     });
     TerminalPrompt prompt(say);
-    LogindWake wake(QDBusConnection::systemBus());
-    BluezCentral central(QDBusConnection::systemBus(), {queue, defaults, prompt, wake, adapter});
+    const SystemBus bus;
+    LogindWake wake(bus.connection());
+    BluezCentral central(bus.connection(), {queue, defaults, prompt, wake, adapter});
     IdleEditorBridge bridge;
     AppCoordinator coordinator(preferences,
                                {queue, defaults, central, wake, poster, layouts, bridge, computerName});
@@ -134,7 +98,8 @@ int main(int argc, char** argv) {
             if (alert) say(alert->title + ": " + alert->message);
         });
     TerminalConsole console(coordinator, prompt, say, [] { QCoreApplication::quit(); });
-    const TerminalInput input(queue, console, prompt);
+    const StandardInput input(
+        queue, [&](const std::string& line) { console.execute(line); }, [&] { prompt.inputEnded(); });
     const int result = QCoreApplication::exec();
     return result != 0 ? result : status;
 }
