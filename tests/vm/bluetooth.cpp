@@ -12,7 +12,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr int callLimitMilliseconds = 30'000;
+constexpr int callLimitMilliseconds = 60'000;
 constexpr Milliseconds switchLimit = 60s;
 constexpr Milliseconds endingLimit = 15s;
 

@@ -105,9 +105,9 @@ void BluezGatt::dropWithdrawnServices(const UUID& device) {
         // One that is withdrawn comes back at another path.
         if (findService(objects_, object->path, uuid) == path) continue;
         withdrawn.push_back(uuid);
-        std::erase_if(conversation->channels, [&](const auto& entry) {
-            return entry.second.path.startsWith(path + QLatin1Char('/'));
-        });
+        const QString below = path + QLatin1Char('/');
+        std::erase_if(conversation->channels,
+                      [&](const auto& entry) { return entry.second.path.startsWith(below); });
     }
     for (const auto& uuid : withdrawn) conversation->services.erase(uuid);
     const auto peripheral = conversation->peripheral;
