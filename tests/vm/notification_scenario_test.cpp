@@ -1,4 +1,6 @@
-// A minute of the pace at which a finger moves a pointer, over the air.
+// A minute of the pace at which a finger moves a pointer, over the air. That nothing is lost is checked.
+// Order is printed only: two bluetoothd talk over several bearers at once (Enhanced ATT), between which a
+// machine under load may swap notifications before they reach any program.
 
 #include <QCoreApplication>
 #include <QDBusArgument>
@@ -64,7 +66,7 @@ class NotificationScenario : public LinkScenario {
     std::vector<Offset> places_;
 };
 
-TEST_F(NotificationScenario, aMinuteOfMovesIsSeenByAClientWithoutALossAndInOrder) {
+TEST_F(NotificationScenario, aMinuteOfMovesIsSeenByAClientWithoutALoss) {
     ASSERT_NO_FATAL_FAILURE(meet());
     watchPointer();
     const auto programBefore = program().processorTime();
@@ -77,25 +79,26 @@ TEST_F(NotificationScenario, aMinuteOfMovesIsSeenByAClientWithoutALossAndInOrder
     };
     EXPECT_TRUE(waitUntil(hasAll, rateLimit)) << places_.size() << " moves have been seen";
     ASSERT_TRUE(phone().waitFor("ok rate " + std::to_string(total), limit));
+    notePointer();
+    ASSERT_EQ(places_.size(), total);
+    EXPECT_EQ(places_.back(), offsetAfter(total)) << places_.back().x << " " << places_.back().y;
+    int astray = 0;
+    for (std::uint32_t i = 0; i < total; ++i) astray += places_[i] == offsetAfter(i + 1) ? 0 : 1;
     const auto used = [](Milliseconds now, Milliseconds before) {
         return static_cast<double>((now - before).count()) / total;
     };
-    std::printf("figures: %s; processor time a move: orbinex %.2f ms, bluetoothd (for both ends) %.2f ms\n",
-                sent().c_str(), used(program().processorTime(), programBefore),
-                used(daemon().processorTime(), daemonBefore));
-
-    notePointer();
-    ASSERT_EQ(places_.size(), total);
-    for (std::uint32_t i = 0; i < total; ++i) {
-        const auto expected = offsetAfter(i + 1);
-        ASSERT_EQ(std::pair(places_[i].x, places_[i].y), std::pair(expected.x, expected.y))
-            << "after move " << i;
-    }
+    std::printf(
+        "figures: %s; %d places off the path; processor time a move: orbinex %.2f ms, "
+        "bluetoothd (for both ends) %.2f ms\n",
+        sent().c_str(), astray, used(program().processorTime(), programBefore),
+        used(daemon().processorTime(), daemonBefore));
 }
 
 /// A program that does nothing but listen, built of the same parts.
 class Listener {
   public:
+    static constexpr std::uint32_t mostNumbers = 100'000;
+
     Listener() {
         bus_.onOwnerChanged = [] {};
         bus_.onSilence = [] {};
@@ -104,14 +107,16 @@ class Listener {
         bus_.onPropertiesChanged = [this](const QString& path, const QString&, const QVariantMap& changed,
                                           const QStringList&) {
             if (path == characteristic_ && changed.contains(QStringLiteral("Value")))
-                heard(changed[QStringLiteral("Value")].toByteArray());
+                hear(changed[QStringLiteral("Value")].toByteArray());
         };
         bus_.start();
     }
 
+    /// By their numbers: how often each has been heard.
+    std::vector<int> heard;
     std::uint32_t count = 0;
-    /// Whether every one so far was the one after the last.
-    bool isInOrder = true;
+    /// Those that came after one with a higher number.
+    int late = 0;
 
     template <class Condition>
     [[nodiscard]] static bool runUntil(Condition condition, Milliseconds span) {
@@ -146,8 +151,9 @@ class Listener {
 
     void subscribe(const QString& characteristic, bool bySocket) {
         characteristic_ = characteristic;
+        heard.clear();
         count = 0;
-        isInOrder = true;
+        late = 0;
         if (!bySocket) {
             call(characteristic, Bluez::characteristic, "StartNotify");
             return;
@@ -156,8 +162,8 @@ class Listener {
         socket_ = std::make_unique<NotifySocket>(
             reply.arguments.at(0).value<QDBusUnixFileDescriptor>(),
             [this](ByteView value) {
-                heard(QByteArray(reinterpret_cast<const char*>(value.data()),
-                                 static_cast<qsizetype>(value.size())));
+                hear(QByteArray(reinterpret_cast<const char*>(value.data()),
+                                static_cast<qsizetype>(value.size())));
             },
             [] {});
     }
@@ -170,10 +176,21 @@ class Listener {
     }
 
   private:
-    void heard(const QByteArray& value) {
-        const auto expected = test_phone::numberedMove(count++);
-        isInOrder = isInOrder && value == QByteArray(reinterpret_cast<const char*>(expected.data()),
-                                                     static_cast<qsizetype>(expected.size()));
+    void hear(const QByteArray& value) {
+        constexpr int numberLength = 4;
+        ++count;
+        if (value.size() < numberLength) return;
+        std::uint32_t number = 0;
+        for (int i = 0; i < numberLength; ++i)
+            number |= std::uint32_t{static_cast<std::uint8_t>(value[value.size() - numberLength + i])}
+                      << (8 * i);
+        if (number >= mostNumbers) return;
+        if (number < heard.size()) {
+            ++late;
+        } else {
+            heard.resize(number + 1);
+        }
+        ++heard[number];
     }
 
     QtMainQueue queue_;
@@ -223,11 +240,12 @@ TEST_F(NotificationScenario, socketsAndSignalsBringEverythingAtTheirOwnCost) {
         const auto own = ownProcessorMilliseconds() - ownBefore;
         const auto inDaemon = static_cast<double>((daemon().processorTime() - daemonBefore).count());
         ASSERT_TRUE(phone().waitFor("ok rate", limit));
-        EXPECT_EQ(listener.count, moves);
-        EXPECT_TRUE(listener.isInOrder);
-        std::printf("figures: %s: %s; processor time each: own %.3f ms, bluetoothd (for both ends) %.2f ms\n",
-                    bySocket ? "AcquireNotify" : "StartNotify", sent().c_str(), own / moves,
-                    inDaemon / moves);
+        EXPECT_EQ(listener.heard, std::vector<int>(moves, 1));
+        std::printf(
+            "figures: %s: %s; %d late; processor time each: own %.3f ms, bluetoothd (for both ends) %.2f "
+            "ms\n",
+            bySocket ? "AcquireNotify" : "StartNotify", sent().c_str(), listener.late, own / moves,
+            inDaemon / moves);
         listener.unsubscribe();
         ASSERT_TRUE(phone().waitFor("unsubscribed mouse", limit));
     }
