@@ -1,10 +1,7 @@
 // The program as a process: how it starts without what it needs, and how it ends.
 
 #include <QCoreApplication>
-#include <QProcess>
-#include <QTemporaryDir>
 #include <csignal>
-#include <memory>
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -12,6 +9,7 @@
 
 #include "app/app_coordinator.h"
 #include "app/linux/fd_watch.h"
+#include "app/linux/program_run.h"
 #include "app/linux/qt_main_queue.h"
 #include "app/linux/unix_signals.h"
 #include "editor_bridge/idle_editor_bridge.h"
@@ -25,48 +23,6 @@
 
 namespace orbinex::test {
 namespace {
-
-using namespace std::chrono_literals;
-
-/// A run of the installed program with a home of its own.
-class ProgramRun {
-  public:
-    explicit ProgramRun(const std::string& display) {
-        auto environment = QProcessEnvironment::systemEnvironment();
-        environment.insert("DISPLAY", QString::fromStdString(display));
-        environment.insert("XDG_CONFIG_HOME", home_.path());
-        process_.setProcessEnvironment(environment);
-        process_.setProcessChannelMode(QProcess::MergedChannels);
-        process_.start(ORBINEX_PROGRAM, QStringList{});
-    }
-    ~ProgramRun() {
-        process_.kill();
-        process_.waitForFinished();
-    }
-
-    /// Reads until the output holds the text; false when the program ends without it.
-    bool says(const std::string& text) {
-        while (!output_.contains(text.c_str())) {
-            if (!process_.waitForReadyRead(20'000)) {
-                output_ += process_.readAll();
-                return output_.contains(text.c_str());
-            }
-            output_ += process_.readAll();
-        }
-        return true;
-    }
-    void signal(int number) const { ::kill(static_cast<pid_t>(process_.processId()), number); }
-    /// The exit status, or -1 when it was killed or did not end.
-    int end() {
-        if (!process_.waitForFinished(20'000) || process_.exitStatus() != QProcess::NormalExit) return -1;
-        return process_.exitCode();
-    }
-
-  private:
-    QTemporaryDir home_;
-    QProcess process_;
-    QByteArray output_;
-};
 
 TEST(Program, saysWhatIsMissingWithoutADisplay) {
     ProgramRun run("");
@@ -82,6 +38,18 @@ TEST(Program, endsWellWhenItIsAskedTo) {
         run.signal(number);
         EXPECT_EQ(run.end(), 0) << number;
     }
+}
+
+TEST(Program, takesCommandsWhereTheyComeFrom) {
+    const PrivateXServer server;
+    // From a person or another program, the last line without an end.
+    ProgramRun run(server.display());
+    EXPECT_TRUE(run.says("Starting Bluetooth…"));
+    run.type("da");
+    run.type("nce\nlist\nquit");
+    run.closeInput();
+    EXPECT_TRUE(run.says("There is no such command; try help.\nNo iPhone is trusted or nearby."));
+    EXPECT_EQ(run.end(), 0);
 }
 
 TEST(Program, endsWhenTheDisplayGoes) {

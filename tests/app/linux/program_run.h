@@ -1,0 +1,83 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <string>
+
+#include <signal.h>
+
+namespace orbinex::test {
+
+/// A run of the built program with a home of its own, and without the machine's system bus.
+class ProgramRun {
+  public:
+    /// `bus` is the address of the system bus, `redirections` what the shell makes of the standard streams.
+    explicit ProgramRun(const std::string& display, const QString& bus = "unix:path=/nonexistent",
+                        const char* redirections = "") {
+        auto environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("DISPLAY", QString::fromStdString(display));
+        environment.insert("XDG_CONFIG_HOME", home_.path());
+        environment.insert("DBUS_SYSTEM_BUS_ADDRESS", bus);
+        process_.setProcessEnvironment(environment);
+        process_.setProcessChannelMode(QProcess::MergedChannels);
+        process_.start("sh", {"-c", QString("exec \"$0\" ") + redirections, ORBINEX_PROGRAM});
+    }
+    ProgramRun(const ProgramRun&) = delete;
+    ProgramRun& operator=(const ProgramRun&) = delete;
+    ~ProgramRun() {
+        process_.kill();
+        process_.waitForFinished();
+    }
+
+    void type(const char* text) {
+        process_.write(text);
+        process_.waitForBytesWritten(limit);
+    }
+    void closeInput() { process_.closeWriteChannel(); }
+    void signal(int number) const { ::kill(static_cast<pid_t>(process_.processId()), number); }
+
+    /// Waits until the condition holds, serving this process's own event loop; false when it does not hold in
+    /// time, or the program ends before.
+    template <class Condition>
+    [[nodiscard]] bool reaches(Condition condition) {
+        const QDeadlineTimer deadline(limit);
+        while (!condition()) {
+            if (deadline.hasExpired() || process_.state() == QProcess::NotRunning) return condition();
+            process_.waitForReadyRead(turn);
+            output_ += process_.readAll();
+            if (QCoreApplication::instance()) QCoreApplication::processEvents();
+        }
+        return true;
+    }
+    /// Waits until the output since the text that was waited for last holds this one.
+    [[nodiscard]] bool says(const std::string& text) {
+        qsizetype at = -1;
+        const auto isThere = [&] {
+            at = output_.indexOf(text.c_str(), read_);
+            return at >= 0;
+        };
+        if (!reaches(isThere)) return false;
+        read_ = at + static_cast<qsizetype>(text.size());
+        return true;
+    }
+    /// The exit status, or -1 when it was killed or did not end.
+    [[nodiscard]] int end() {
+        const auto hasEnded = [this] { return process_.state() == QProcess::NotRunning; };
+        if (!reaches(hasEnded) || process_.exitStatus() != QProcess::NormalExit) return -1;
+        return process_.exitCode();
+    }
+    [[nodiscard]] std::string output() const { return output_.toStdString(); }
+
+  private:
+    static constexpr int limit = 20'000;  // milliseconds
+    static constexpr int turn = 10;
+
+    QTemporaryDir home_;
+    QProcess process_;
+    QByteArray output_;
+    qsizetype read_ = 0;
+};
+
+}  // namespace orbinex::test
