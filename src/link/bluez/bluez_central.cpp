@@ -36,6 +36,7 @@ BluezCentral::BluezCentral(const QDBusConnection& connection, Ports ports)
                             delegate_->peripheralFailedToConnect(devices_.peripheral(device), error);
                     },
                     [this](const UUID& device, const BluetoothError* error) {
+                        gatt_.takePending(device);
                         gatt_.end(device);
                         if (delegate_) delegate_->peripheralDisconnected(devices_.peripheral(device), error);
                     },
@@ -150,6 +151,8 @@ void BluezCentral::setDaemon(BluezDaemon daemon) {
 /// What is to be reported: a bluetoothd or an adapter that is missing may be there in a moment.
 BluetoothState BluezCentral::presentState(const BluezAdapter* adapter) {
     const auto state = bluetoothStateOf(daemon_, adapter);
+    // A bluetoothd that has come back has not told anything yet.
+    if (state == BluetoothState::unknown && state_ != state) return BluetoothState::resetting;
     if (state != BluetoothState::unsupported) {
         patience_.cancel();
         isOutOfPatience_ = false;
@@ -269,6 +272,7 @@ void BluezCentral::heard(const UUID& device) {
 void BluezCentral::startScan(const UUID& service) {
     if (!isPoweredOn()) return;
     scannedService_ = service;
+    sightings_.reportAnew();
     discovery_.want(service);
     // Another program's discovery may have heard them.
     queue_.post(lifetime_.guard([this] {

@@ -39,6 +39,21 @@ BluezGatt::Channel* BluezGatt::channel(const UUID& device, const UUID& character
     return found == conversation->channels.end() ? nullptr : &found->second;
 }
 
+void BluezGatt::takePending(const UUID& device) {
+    const auto* const conversation = this->conversation(device);
+    if (!conversation) return;
+    std::vector<UUID> characteristics;
+    for (const auto& [uuid, channel] : conversation->channels) characteristics.push_back(uuid);
+    for (const auto& uuid : characteristics) {
+        // A socket takes a turn's worth at a time, and whoever is told may end the conversation.
+        for (int turn = 0; turn < maximumPendingTurns; ++turn) {
+            auto* const channel = this->channel(device, uuid);
+            if (!channel || !channel->socket) break;
+            channel->socket->drain();
+        }
+    }
+}
+
 void BluezGatt::end(const UUID& device) {
     const auto found = conversations_.find(device);
     if (found == conversations_.end()) return;

@@ -30,6 +30,8 @@ class BluezGatt {
     static constexpr std::chrono::seconds resubscribeDelay{1};
     /// Writes that BlueZ has not yet taken; what goes beyond is dropped, as the radio would.
     static constexpr int maximumUnansweredWrites = 64;
+    /// Of each socket when the connection has ended; more than the kernel keeps for one.
+    static constexpr int maximumPendingTurns = 16;
 
     /// `askForObjects` is to have bluetoothd tell all its objects; objectsTold() follows.
     BluezGatt(BluezBus& bus, MainQueue& queue, const BluezObjects& objects, const BluezDevices& devices,
@@ -45,6 +47,8 @@ class BluezGatt {
     void readValue(const UUID& device, const UUID& characteristic);
     void setNotify(const UUID& device, const UUID& characteristic, bool enabled);
     void writeValue(const UUID& device, const UUID& characteristic, ByteView value, WriteType type);
+    /// Passes on what the device had sent before the connection ended.
+    void takePending(const UUID& device);
     /// The connection has ended, or is no longer wanted.
     void end(const UUID& device);
 

@@ -11,6 +11,10 @@ bool BluezSightings::heard(const UUID& device, Uptime now) {
     return true;
 }
 
+void BluezSightings::reportAnew() {
+    for (auto& [device, sighting] : sightings_) sighting.reported = sighting.heard - shortestInterval;
+}
+
 bool BluezSightings::isInSight(const UUID& device, Uptime now) const {
     const auto found = sightings_.find(device);
     return found != sightings_.end() && now - found->second.heard <= lifetime;

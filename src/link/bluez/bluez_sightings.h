@@ -18,7 +18,8 @@ class BluezSightings {
     static constexpr std::chrono::milliseconds shortestInterval{300};
 
     void clear() { sightings_.clear(); }
-    void forget(const UUID& device) { sightings_.erase(device); }
+    /// The next time that a device is heard, it is reported.
+    void reportAnew();
     /// The device was heard; true when it is to be reported now.
     bool heard(const UUID& device, Uptime now);
     [[nodiscard]] bool isInSight(const UUID& device, Uptime now) const;

@@ -20,9 +20,10 @@ class NotifySocket {
     NotifySocket& operator=(const NotifySocket&) = delete;
     ~NotifySocket();
 
-  private:
+    /// Takes what has arrived and not been taken yet, at most a turn's worth.
     void drain();
 
+  private:
     struct Callbacks {
         std::function<void(ByteView)> onValue;
         std::function<void()> onEnd;

@@ -192,6 +192,9 @@ TEST(Sightings, areReportedAFewTimesASecondAndPassAway) {
     int reports = 0;
     for (auto now = 10'000ms; now < 11'000ms; now += 10ms) reports += sightings.heard(phone, now) ? 1 : 0;
     EXPECT_EQ(reports, 4);
+    EXPECT_FALSE(sightings.heard(phone, 10'990ms));
+    sightings.reportAnew();
+    EXPECT_TRUE(sightings.heard(phone, 10'990ms));
     EXPECT_TRUE(sightings.isInSight(phone, 22'900ms));
     EXPECT_FALSE(sightings.isInSight(phone, 23s));
 }

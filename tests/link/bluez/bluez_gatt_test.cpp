@@ -252,5 +252,20 @@ TEST(BluezGatt, losesNothingToAnEmptyPacket) {
     EXPECT_EQ(world.bluez.count("AcquireNotify"), 1);
 }
 
+TEST(BluezGatt, passesOnWhatCameBeforeTheConnectionEnded) {
+    BluezWorld world;
+    world.establish();
+    Lines expected;
+    for (int i = 0; i < 200; ++i) {
+        const auto value = QByteArray::number(i);
+        world.bluez.notify(world.phone, mouse, value);
+        expected.push_back("mouse=" + value.toStdString());
+    }
+    expected.emplace_back("disconnected");
+    world.bluez.drop(world.phone);
+    world.settle();
+    EXPECT_EQ(world.take(), expected);
+}
+
 }  // namespace
 }  // namespace orbinex::test
