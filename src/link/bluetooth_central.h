@@ -132,8 +132,8 @@ class BluetoothCentral {
     /// Asks for a connection. The request stays open until the device comes into range; asking again for an
     /// open request changes nothing, and a device that is connected is reported as connected again. A request
     /// made while an earlier connection is being cancelled takes effect after that. A device whose connection
-    /// this side has just ended may be left in peace for a while, and a device that has to be paired first may
-    /// be refused, unless the user asks.
+    /// this side has just ended may be left in peace for a while, and a device that has to be paired first
+    /// may be refused, unless the user asks.
     virtual void connect(const UUID& peripheral, Initiative initiative) = 0;
     /// Ends the connection or the request.
     virtual void cancelConnection(const UUID& peripheral) = 0;

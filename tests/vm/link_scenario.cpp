@@ -71,7 +71,12 @@ void LinkScenario::meet() {
 }
 
 testing::AssertionResult LinkScenario::becomesConnected(const std::string& name) {
-    return shows("Connected to " + name);
+    auto result = shows("Connected to " + name);
+    if (!result) return result;
+    const std::pair now{program().pid(), program().openDescriptors()};
+    if (descriptors_.first != now.first) descriptors_ = now;
+    EXPECT_LE(now.second, descriptors_.second) << "descriptors are left open";
+    return result;
 }
 
 testing::AssertionResult LinkScenario::shows(const std::string& line) {

@@ -1,7 +1,10 @@
 #pragma once
 
 #include <string>
+#include <utility>
 #include <vector>
+
+#include <sys/types.h>
 
 #include "vm/scenario.h"
 
@@ -28,7 +31,7 @@ class LinkScenario : public Scenario {
     void pair(const std::string& answer, const std::string& name = phoneName);
     /// From nothing to the connected state.
     void meet();
-    /// The program prints that it is connected.
+    /// The program prints that it is connected. It has no more descriptors open then than when it first was.
     testing::AssertionResult becomesConnected(const std::string& name = phoneName);
     /// It prints this line.
     testing::AssertionResult shows(const std::string& line);
@@ -42,6 +45,8 @@ class LinkScenario : public Scenario {
   private:
     Process* phone_ = nullptr;
     std::size_t seen_ = 0;
+    /// Of which run of the program, and how many.
+    std::pair<pid_t, int> descriptors_;
 };
 
 }  // namespace orbinex::test
