@@ -133,8 +133,8 @@ class BluetoothCentral {
     /// open request changes nothing, and a device that is connected is reported as connected again. A request
     /// made while an earlier connection is being cancelled takes effect after that. A device whose connection
     /// this side has just ended may be left in peace for a while, and a device that has to be paired first
-    /// may be refused, unless the user asks.
-    virtual void connect(const UUID& peripheral, Initiative initiative) = 0;
+    /// may be refused, unless the user asks; the name is the one that the user is then asked about.
+    virtual void connect(const Peripheral& peripheral, Initiative initiative) = 0;
     /// Ends the connection or the request.
     virtual void cancelConnection(const UUID& peripheral) = 0;
     [[nodiscard]] virtual bool isConnected(const UUID& peripheral) const = 0;

@@ -68,7 +68,7 @@ void CentralBLEManager::beginConnect(const Peripheral& peripheral, Intent intent
     intentionalDisconnects_.erase(id);
     const auto timeout = intent == Intent::user ? userConnectTimeout : automaticConnectTimeout;
     watchdog_ = ports_.queue.after(timeout, [this, id, intent, name] { connectTimedOut(id, intent, name); });
-    ports_.central.connect(id, intent == Intent::user ? Initiative::user : Initiative::program);
+    ports_.central.connect({id, name}, intent == Intent::user ? Initiative::user : Initiative::program);
     phase = Phase::connecting;
     activeDevice = ActiveDevice{id, trustedIDForPeripheral(id), name};
     statusMessage = LinkText::connecting(name);

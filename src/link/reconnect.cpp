@@ -46,7 +46,7 @@ void CentralBLEManager::queuePendingConnect(const Peripheral& peripheral) {
     peripherals_.insert_or_assign(id, peripheral);
     intentionalDisconnects_.erase(id);
     pendingConnects_.insert(id);
-    ports_.central.connect(id, Initiative::program);
+    ports_.central.connect(peripheral, Initiative::program);
 }
 
 void CentralBLEManager::cancelPendingConnects() {

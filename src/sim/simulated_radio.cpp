@@ -153,19 +153,19 @@ std::vector<Peripheral> SimulatedRadio::retrieveConnectedPeripherals(const UUID&
 
 // Connections
 
-void SimulatedRadio::connect(const UUID& peripheral, Initiative) {
+void SimulatedRadio::connect(const Peripheral& peripheral, Initiative) {
     if (state_ != BluetoothState::poweredOn) return;
-    auto& link = links_[peripheral];
+    const UUID id = peripheral.identifier;
+    auto& link = links_[id];
     switch (link.state) {
         case LinkState::requested: break;
         case LinkState::cancelling: link.isWantedAgain = true; break;
         case LinkState::connected:
-            report(peripheral,
-                   [](Delegate& delegate, const Peripheral& p) { delegate.peripheralConnected(p); });
+            report(id, [](Delegate& delegate, const Peripheral& p) { delegate.peripheralConnected(p); });
             break;
         case LinkState::idle:
             link.state = LinkState::requested;
-            tryRequest(peripheral);
+            tryRequest(id);
             break;
     }
 }

@@ -169,7 +169,7 @@ TEST(Session, dropsAConnectionThatNobodyAskedFor) {
     LinkWorld world;
     auto& phone = world.addPhone();
     world.run(1500ms);
-    world.radio.connect(phone.identifier(), Initiative::user);
+    world.radio.connect({phone.identifier(), {}}, Initiative::user);
     world.run(1s);
     EXPECT_EQ(world.radio.connectedCount(), 0u);
     EXPECT_FALSE(world.link.session());

@@ -36,7 +36,7 @@ class DirectCentral final : public BluetoothCentral {
     void stopScan() override {}
     [[nodiscard]] std::vector<Peripheral> retrievePeripherals(std::span<const UUID>) override { return {}; }
     [[nodiscard]] std::vector<Peripheral> retrieveConnectedPeripherals(const UUID&) override { return {}; }
-    void connect(const UUID&, Initiative) override {
+    void connect(const Peripheral&, Initiative) override {
         isConnected_ = true;
         answer([this] { delegate_->peripheralConnected(phone); });
     }

@@ -307,7 +307,7 @@ std::vector<Peripheral> BluezCentral::retrieveConnectedPeripherals(const UUID& s
     return result;
 }
 
-void BluezCentral::connect(const UUID& peripheral, Initiative initiative) {
+void BluezCentral::connect(const Peripheral& peripheral, Initiative initiative) {
     if (isPoweredOn()) connections_.connect(peripheral, initiative);
 }
 

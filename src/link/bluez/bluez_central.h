@@ -56,7 +56,7 @@ class BluezCentral final : public BluetoothCentral {
     void stopScan() override;
     [[nodiscard]] std::vector<Peripheral> retrievePeripherals(std::span<const UUID> identifiers) override;
     [[nodiscard]] std::vector<Peripheral> retrieveConnectedPeripherals(const UUID& service) override;
-    void connect(const UUID& peripheral, Initiative initiative) override;
+    void connect(const Peripheral& peripheral, Initiative initiative) override;
     void cancelConnection(const UUID& peripheral) override;
     [[nodiscard]] bool isConnected(const UUID& peripheral) const override;
     void discoverServices(const UUID& peripheral, std::span<const UUID> services) override;

@@ -35,13 +35,14 @@ BluezConnections::Contact* BluezConnections::contact(const UUID& device) {
     return found == contacts_.end() ? nullptr : &found->second;
 }
 
-void BluezConnections::connect(const UUID& device, Initiative initiative) {
-    auto& contact = contacts_[device];
+void BluezConnections::connect(const Peripheral& device, Initiative initiative) {
+    auto& contact = contacts_[device.identifier];
+    contact.name = device.name;
     if (initiative == Initiative::user) contact.restsUntil = {};
     if (!contact.wish || initiative == Initiative::user) contact.wish = initiative;
     // One that stands already is reported again.
     if (!contact.isCancelling) contact.isReported = false;
-    later(device);
+    later(device.identifier);
 }
 
 void BluezConnections::cancel(const UUID& device) {
@@ -63,6 +64,11 @@ bool BluezConnections::isConnected(const UUID& device) const {
 Initiative BluezConnections::initiative(const UUID& device) const {
     const auto found = contacts_.find(device);
     return found == contacts_.end() ? Initiative::program : found->second.initiative;
+}
+
+std::string BluezConnections::name(const UUID& device) const {
+    const auto found = contacts_.find(device);
+    return found == contacts_.end() ? std::string() : found->second.name;
 }
 
 void BluezConnections::setPairing(const UUID& device, bool isPairing) {

@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "base/lifetime.h"
 #include "base/main_queue.h"
@@ -46,12 +47,14 @@ class BluezConnections {
     /// Calls off everything, and forgets it.
     void endAll();
 
-    void connect(const UUID& device, Initiative initiative);
+    void connect(const Peripheral& device, Initiative initiative);
     void cancel(const UUID& device);
     /// True for a connection that was reported and stands.
     [[nodiscard]] bool isConnected(const UUID& device) const;
     /// At whose wish it was connected.
     [[nodiscard]] Initiative initiative(const UUID& device) const;
+    /// What the link called it when it last asked for a connection.
+    [[nodiscard]] std::string name(const UUID& device) const;
 
     /// Something about the device is different, or it was heard.
     void review(const UUID& device);
@@ -66,6 +69,7 @@ class BluezConnections {
   private:
     struct Contact {
         std::optional<Initiative> wish;
+        std::string name;
         Initiative initiative = Initiative::program;
         bool isReported = false;
         bool isPairing = false;

@@ -7,7 +7,6 @@
 
 #include "link/bluez/bluez_errors.h"
 #include "link/bluez/bluez_names.h"
-#include "link/nearby_device.h"
 
 namespace orbinex {
 
@@ -178,20 +177,17 @@ void BluezGatt::readValue(const UUID& device, const UUID& characteristic) {
 
 void BluezGatt::pairThenRead(const UUID& device, const UUID& characteristic) {
     const auto path = devices_.find(device)->path;
-    const auto advertised = parseAdvertisedName(devices_.advertisedName(device).value_or(std::string()));
-    const auto& conversation = conversations_.at(device);
-    const auto name = advertised ? advertised->name : conversation.peripheral->name;
     connections_.setPairing(device, true);
-    pairing_.pair(
-        path, name,
-        conversation.calls->guard([this, device, characteristic](const std::optional<BluetoothError>& error) {
-            if (error) {
-                reportValue(device, characteristic, {}, &*error);
-            } else if (channel(device, characteristic)) {
-                read(device, characteristic);
-            }
-            connections_.setPairing(device, false);
-        }));
+    pairing_.pair(path, connections_.name(device),
+                  conversations_.at(device).calls->guard(
+                      [this, device, characteristic](const std::optional<BluetoothError>& error) {
+                          if (error) {
+                              reportValue(device, characteristic, {}, &*error);
+                          } else if (channel(device, characteristic)) {
+                              read(device, characteristic);
+                          }
+                          connections_.setPairing(device, false);
+                      }));
 }
 
 void BluezGatt::read(const UUID& device, const UUID& characteristic) {

@@ -17,7 +17,7 @@ TEST(BluezConnect, isToldOnceInWhateverOrderBluetoothdTellsIt) {
         BluezWorld world;
         world.bluez.answersFirst = answersFirst;
         world.establish();
-        world.central->connect(world.id(), Initiative::user);
+        world.central->connect(world.iPhone(), Initiative::user);
         EXPECT_EQ(world.take(), Lines{"connected"}) << "again, as it was asked for again";
         world.central->cancelConnection(world.id());
         EXPECT_EQ(world.take(), Lines{"disconnected"});
@@ -36,7 +36,7 @@ TEST(BluezConnect, noticesAConnectionWhoseSignalNeverComes) {
         device["Connected"] = true;
         world.bluez.answer(call);
     };
-    world.central->connect(world.id(), Initiative::user);
+    world.central->connect(world.iPhone(), Initiative::user);
     world.run(1s);
     EXPECT_EQ(world.take(), Lines{"connected"});
 }
@@ -46,7 +46,7 @@ TEST(BluezConnect, requestStaysOpenUntilThePhoneComes) {
         BluezWorld world;
         world.discover();
         world.phone.isInRange = false;
-        world.central->connect(world.id(), initiative);
+        world.central->connect(world.iPhone(), initiative);
         world.run(100s);
         EXPECT_EQ(world.take(), Lines{});
         EXPECT_LE(world.bluez.count("Connect"), 3);
@@ -67,7 +67,7 @@ TEST(BluezConnect, byItselfAsksOnlyForWhatWasHeardOfLate) {
     BluezWorld world;
     world.discover();
     world.run(13s);
-    world.central->connect(world.id(), Initiative::program);
+    world.central->connect(world.iPhone(), Initiative::program);
     world.run(60s);
     EXPECT_EQ(world.bluez.count("Connect"), 0);
     world.central->startScan(serviceUUID);
@@ -96,14 +96,14 @@ TEST(BluezConnect, cancelIsCleanWheneverItComes) {
     } rows[] = {
         {"at once",
          [](BluezWorld& world) {
-             world.central->connect(world.id(), Initiative::user);
+             world.central->connect(world.iPhone(), Initiative::user);
              world.central->cancelConnection(world.id());
          },
          {"disconnected"}},
         {"before the phone is in range",
          [](BluezWorld& world) {
              world.phone.isInRange = false;
-             world.central->connect(world.id(), Initiative::user);
+             world.central->connect(world.iPhone(), Initiative::user);
              world.run(1s);
              world.central->cancelConnection(world.id());
          },
@@ -111,7 +111,7 @@ TEST(BluezConnect, cancelIsCleanWheneverItComes) {
         {"after bluetoothd has given up",
          [](BluezWorld& world) {
              world.phone.isInRange = false;
-             world.central->connect(world.id(), Initiative::user);
+             world.central->connect(world.iPhone(), Initiative::user);
              world.run(41500ms);
              world.central->cancelConnection(world.id());
          },
@@ -119,7 +119,7 @@ TEST(BluezConnect, cancelIsCleanWheneverItComes) {
         {"after the signal, before the answer",
          [](BluezWorld& world) {
              world.bluez.hang("Connect");
-             world.central->connect(world.id(), Initiative::user);
+             world.central->connect(world.iPhone(), Initiative::user);
              world.settle();
              world.bluez.connectPhone(world.phone);
              world.settle();
@@ -132,7 +132,7 @@ TEST(BluezConnect, cancelIsCleanWheneverItComes) {
          [](BluezWorld& world) {
              world.bluez.scripts["Connect"] = [&](const QDBusMessage& call) { world.bluez.answer(call); };
              world.bluez.hang("Get");
-             world.central->connect(world.id(), Initiative::user);
+             world.central->connect(world.iPhone(), Initiative::user);
              world.settle();
              world.central->cancelConnection(world.id());
              world.settle();
@@ -144,7 +144,7 @@ TEST(BluezConnect, cancelIsCleanWheneverItComes) {
          {"disconnected"}},
         {"twice",
          [](BluezWorld& world) {
-             world.central->connect(world.id(), Initiative::user);
+             world.central->connect(world.iPhone(), Initiative::user);
              world.settle();
              world.central->cancelConnection(world.id());
              world.central->cancelConnection(world.id());
@@ -154,7 +154,7 @@ TEST(BluezConnect, cancelIsCleanWheneverItComes) {
          {"connected", "disconnected"}},
         {"while Disconnect hangs",
          [](BluezWorld& world) {
-             world.central->connect(world.id(), Initiative::user);
+             world.central->connect(world.iPhone(), Initiative::user);
              world.settle();
              world.bluez.hang("Disconnect");
              world.central->cancelConnection(world.id());
@@ -165,7 +165,7 @@ TEST(BluezConnect, cancelIsCleanWheneverItComes) {
          {"connected", "disconnected"}},
         {"when the link has gone at that moment",
          [](BluezWorld& world) {
-             world.central->connect(world.id(), Initiative::user);
+             world.central->connect(world.iPhone(), Initiative::user);
              world.settle();
              world.central->cancelConnection(world.id());
              world.bluez.drop(world.phone);
@@ -173,7 +173,7 @@ TEST(BluezConnect, cancelIsCleanWheneverItComes) {
          {"connected", "disconnected"}},
         {"when the object has gone",
          [](BluezWorld& world) {
-             world.central->connect(world.id(), Initiative::user);
+             world.central->connect(world.iPhone(), Initiative::user);
              world.settle();
              world.bluez.remove(world.phone.path);
              world.settle();
@@ -197,7 +197,7 @@ TEST(BluezConnect, cancelIsCleanWheneverItComes) {
         world.phone.isInRange = true;
         world.bluez.scripts.clear();
         world.discover();
-        world.central->connect(world.id(), Initiative::user);
+        world.central->connect(world.iPhone(), Initiative::user);
         EXPECT_EQ(world.take(), Lines{"connected"});
     }
 }
@@ -215,7 +215,7 @@ TEST(BluezConnect, waitsAfterEndingALinkUnlessAPersonAsks) {
         world.take();
         world.central->startScan(serviceUUID);
         world.bluez.calls.clear();
-        world.central->connect(world.id(), row.initiative);
+        world.central->connect(world.iPhone(), row.initiative);
         world.run(2s);
         EXPECT_EQ(world.bluez.count("Connect"), row.after2s);
         world.run(2s);
@@ -230,7 +230,7 @@ TEST(BluezConnect, aPersonsWishIsNotCutByACancelUnderWay) {
     world.bluez.hang("Disconnect");
     world.central->cancelConnection(world.id());
     world.settle();
-    world.central->connect(world.id(), Initiative::user);
+    world.central->connect(world.iPhone(), Initiative::user);
     world.settle();
     world.bluez.scripts.clear();
     world.bluez.act(world.bluez.kept.at(0));
@@ -248,15 +248,15 @@ TEST(BluezConnect, tellsAForgottenPairingFromAPhoneThatIsFarAway) {
     world.take();
     world.bluez.calls.clear();
     world.discover();
-    world.central->connect(world.id(), Initiative::user);
+    world.central->connect(world.iPhone(), Initiative::user);
     world.run(1min);
     EXPECT_EQ(world.take(), Lines{"failed: framework 14"});
     EXPECT_EQ(world.bluez.count("Connect"), 3);
-    world.central->connect(world.id(), Initiative::user);
+    world.central->connect(world.iPhone(), Initiative::user);
     world.run(1s);
     EXPECT_EQ(world.take(), Lines{"failed: framework 14"}) << "at once, now that it is known";
     world.phone.hasForgottenBond = false;
-    world.central->connect(world.id(), Initiative::user);
+    world.central->connect(world.iPhone(), Initiative::user);
     world.run(1s);
     EXPECT_EQ(world.take(), Lines{"connected"});
 }
@@ -280,7 +280,7 @@ TEST(BluezConnect, failsForGoodOnlyOnWhatWillNotPass) {
         BluezWorld world;
         world.discover();
         world.bluez.refuse("Connect", row.name, row.text);
-        world.central->connect(world.id(), Initiative::user);
+        world.central->connect(world.iPhone(), Initiative::user);
         world.run(10s);
         EXPECT_EQ(world.take().size(), row.isFinal ? 1U : 0U);
         EXPECT_LE(world.bluez.count("Connect"), 11);
@@ -294,7 +294,7 @@ TEST(BluezConnect, outlivesAConnectThatIsNeverAnswered) {
     BluezWorld world;
     world.discover();
     world.bluez.hang("Connect");
-    world.central->connect(world.id(), Initiative::user);
+    world.central->connect(world.iPhone(), Initiative::user);
     world.run(50s);
     EXPECT_EQ(world.bluez.count("Connect"), 1);
     world.bluez.scripts.clear();
@@ -311,7 +311,7 @@ TEST(BluezConnect, leaksNoDescriptor) {
     for (int i = 0; i < 100; ++i) {
         world.bluez.drop(world.phone);
         world.settle();
-        world.central->connect(world.id(), Initiative::user);
+        world.central->connect(world.iPhone(), Initiative::user);
         world.settle();
         world.discoverCharacteristics();
         world.central->setNotify(world.id(), mouseCharacteristicUUID, true);

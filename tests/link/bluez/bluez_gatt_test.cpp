@@ -74,7 +74,7 @@ TEST(BluezGatt, takesUpASessionThatHasOutlivedItsConnection) {
     world.establish();
     world.bluez.drop(world.phone);
     world.take();
-    world.central->connect(world.id(), Initiative::user);
+    world.central->connect(world.iPhone(), Initiative::user);
     world.settle();
     world.discoverCharacteristics();
     world.bluez.refuse("StartNotify", "org.bluez.Error.InProgress", "In Progress");
@@ -154,7 +154,7 @@ TEST(BluezGatt, answersTheQuestionForServicesOnceTheyAreResolved) {
         world.bluez.change(world.phone.path, Bluez::device, {{"Connected", true}});
         world.bluez.answer(call);
     };
-    world.central->connect(world.id(), Initiative::user);
+    world.central->connect(world.iPhone(), Initiative::user);
     world.settle();
     world.discoverCharacteristics();
     world.run(10s);

@@ -150,7 +150,7 @@ TEST(BluezScan, knowsABondedPhoneAgainWhateverItsAddress) {
     expectItAgain("after bluetoothd has started anew, at another path");
     world.restart();
     expectItAgain("after both");
-    world.central->connect(met, Initiative::program);
+    world.central->connect({met, {}}, Initiative::program);
     world.settle();
     world.discoverCharacteristics();
     EXPECT_EQ(world.take(), (Lines{"connected", "1 services", "4 characteristics"}));

@@ -109,7 +109,7 @@ TEST(BluezState, isToldOnceWhenEverythingGoesAndComes) {
          [](BluezWorld& world) {
              world.discover();
              world.phone.isInRange = false;
-             world.central->connect(world.id(), Initiative::user);
+             world.central->connect(world.iPhone(), Initiative::user);
          }},
         {"connected", [](BluezWorld& world) { world.connect(); }},
         {"pairing",

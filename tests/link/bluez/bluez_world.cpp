@@ -198,7 +198,7 @@ void BluezWorld::discover() {
 
 void BluezWorld::connect(Initiative initiative) {
     discover();
-    central->connect(id(), initiative);
+    central->connect(iPhone(), initiative);
     settle();
     discoverCharacteristics();
 }

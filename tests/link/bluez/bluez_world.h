@@ -95,6 +95,8 @@ class BluezWorld {
 
     [[nodiscard]] QDBusConnection connection() const { return *connection_; }
     [[nodiscard]] const UUID& id() const { return seen.phone; }
+    /// Under the name that the user knows.
+    [[nodiscard]] Peripheral iPhone() const { return {id(), "Studio iPhone"}; }
 
   private:
     void start();
