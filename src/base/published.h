@@ -34,6 +34,19 @@ class Published {
         return *this;
     }
 
+    /// Changes the value where it is and announces it: no copy is made while nobody watches for coming
+    /// changes.
+    template <class Change>
+    void edit(Change change) {
+        if (willChange_.hasObservers()) {
+            Value next = value_;
+            change(next);
+            return set(std::move(next));
+        }
+        change(value_);
+        didChange_.emit(value_);
+    }
+
     /// Called before an assignment with the value to come.
     [[nodiscard]] Subscription onWillChange(Observer observer) {
         return willChange_.subscribe(std::move(observer));

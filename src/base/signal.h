@@ -56,6 +56,10 @@ class Signal {
         });
     }
 
+    [[nodiscard]] bool hasObservers() const {
+        return std::ranges::any_of(state_->slots, [](const auto& slot) { return slot->connected; });
+    }
+
     void emit(const Arguments&... arguments) const {
         const auto state = state_;
         ++state->depth;

@@ -1,5 +1,6 @@
 #include "base/text.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <memory>
@@ -48,6 +49,12 @@ Step step(std::string_view text) {
     return {scalar, length, true};
 }
 
+/// True for a byte that begins a sequence of several bytes.
+bool isLead(char c) {
+    const auto byte = static_cast<unsigned char>(c);
+    return byte >= 0xC2 && byte <= 0xF4;
+}
+
 void append(std::string& text, char32_t scalar) {
     std::array<utf8proc_uint8_t, 4> buffer;
     const auto length = utf8proc_encode_char(static_cast<utf8proc_int32_t>(scalar), buffer.data());
@@ -56,6 +63,35 @@ void append(std::string& text, char32_t scalar) {
 
 std::string_view asText(ByteView bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+char lowerASCII(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+bool isWhitespace(char32_t scalar) {
+    if (scalar < 0x80) return scalar == ' ' || (scalar >= '\t' && scalar <= '\r');
+    const auto category = utf8proc_category(static_cast<utf8proc_int32_t>(scalar));
+    return scalar == 0x85 || category == UTF8PROC_CATEGORY_ZS || category == UTF8PROC_CATEGORY_ZL ||
+           category == UTF8PROC_CATEGORY_ZP;
+}
+
+/// The text without the scalars at both ends for which `isCut` holds.
+template <class Predicate>
+std::string_view trim(std::string_view text, Predicate isCut) {
+    while (!text.empty()) {
+        const Step first = step(text);
+        if (!isCut(first.scalar)) break;
+        text.remove_prefix(first.length);
+    }
+    // Backwards, a scalar begins at the last byte that does not continue one.
+    while (!text.empty()) {
+        std::size_t start = text.size() - 1;
+        while (start > 0 && (static_cast<unsigned char>(text[start]) & 0xC0U) == 0x80) --start;
+        if (!isCut(step(text.substr(start)).scalar)) break;
+        text.remove_suffix(text.size() - start);
+    }
+    return text;
 }
 
 }  // namespace
@@ -82,6 +118,22 @@ std::optional<std::string> strictUTF8(ByteView bytes) {
         rest.remove_prefix(next.length);
     }
     return std::string(text);
+}
+
+UTF8Prefix validUTF8(ByteView bytes) {
+    const std::string_view text = asText(bytes);
+    std::size_t length = 0;
+    while (length < text.size()) {
+        if (static_cast<unsigned char>(text[length]) < 0x80) {
+            ++length;
+            continue;
+        }
+        const Step next = step(text.substr(length));
+        // A sequence that is invalid only because the text ends is one that is cut.
+        if (!next.valid) return {length, length + next.length == text.size() && isLead(text[length])};
+        length += next.length;
+    }
+    return {length, false};
 }
 
 std::size_t firstCharacterLength(std::string_view text) {
@@ -124,6 +176,21 @@ std::string lowercased(std::string_view text) {
     return result;
 }
 
+std::string uppercased(std::string_view text) {
+    std::string result;
+    result.reserve(text.size());
+    while (!text.empty()) {
+        const Step next = step(text);
+        append(result, static_cast<char32_t>(utf8proc_toupper(static_cast<utf8proc_int32_t>(next.scalar))));
+        text.remove_prefix(next.length);
+    }
+    return result;
+}
+
+bool containsIgnoringCase(std::string_view text, std::string_view part) {
+    return !std::ranges::search(text, part, {}, lowerASCII, lowerASCII).empty() || part.empty();
+}
+
 std::string canonicalForm(std::string_view text) {
     utf8proc_uint8_t* mapped = nullptr;
     const auto length = utf8proc_map(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
@@ -140,19 +207,11 @@ bool isControlCharacter(char32_t scalar) {
 }
 
 std::string_view trimControlCharacters(std::string_view text) {
-    while (!text.empty()) {
-        const Step first = step(text);
-        if (!isControlCharacter(first.scalar)) break;
-        text.remove_prefix(first.length);
-    }
-    // Forward, because a scalar's length is told by its first byte.
-    std::size_t kept = 0;
-    for (std::size_t position = 0; position < text.size();) {
-        const Step next = step(text.substr(position));
-        position += next.length;
-        if (!isControlCharacter(next.scalar)) kept = position;
-    }
-    return text.substr(0, kept);
+    return trim(text, isControlCharacter);
+}
+
+std::string_view trimWhitespace(std::string_view text) {
+    return trim(text, isWhitespace);
 }
 
 std::optional<char32_t> firstScalar(std::string_view text) {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "base/bytes.h"
+#include "base/published.h"
 #include "protocol/daw_command.h"
 #include "protocol/input_packet.h"
 #include "protocol/session_records.h"
@@ -27,8 +28,14 @@ class EditorBridge {
     virtual void handleTransportKey(std::uint16_t keycode, ModifierFlags modifiers) = 0;
 
     /// The frontmost application's identifier, empty when it has none or none is known.
-    [[nodiscard]] virtual std::string activeBundleID() const = 0;
-    [[nodiscard]] virtual SessionTelemetry currentTelemetry() const = 0;
+    Published<std::string> activeBundleID;
+    Published<SessionTelemetry> currentTelemetry{{.timecode = "01:00:00:00",
+                                                  .fps = 24.0,
+                                                  .appVersion = "RESOLVE",
+                                                  .timelineName = "Timeline",
+                                                  .pageName = "EDIT",
+                                                  .playbackSpeed = "0X",
+                                                  .isPlaying = false}};
 
     /// The frontmost application has changed.
     std::function<void(const std::string& bundleID)> onActiveAppChanged;

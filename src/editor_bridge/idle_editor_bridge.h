@@ -10,16 +10,6 @@ class IdleEditorBridge final : public EditorBridge {
     void setBLEClientConnected(bool) override {}
     void handleCommand(const DAWCommand&) override {}
     void handleTransportKey(std::uint16_t, ModifierFlags) override {}
-    [[nodiscard]] std::string activeBundleID() const override { return {}; }
-    [[nodiscard]] SessionTelemetry currentTelemetry() const override {
-        return {.timecode = "01:00:00:00",
-                .fps = 24.0,
-                .appVersion = "RESOLVE",
-                .timelineName = "Timeline",
-                .pageName = "EDIT",
-                .playbackSpeed = "0X",
-                .isPlaying = false};
-    }
 };
 
 }  // namespace orbinex

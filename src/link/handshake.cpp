@@ -163,8 +163,8 @@ void CentralBLEManager::completeConnection() {
     statusMessage = LinkText::connected(info.name);
     relinkNearbyDevices();
     ports_.bridge.setBLEClientConnected(true);
-    sendActiveApp(ports_.bridge.activeBundleID());
-    sendTelemetry(ports_.bridge.currentTelemetry());
+    sendActiveApp(*ports_.bridge.activeBundleID);
+    sendTelemetry(*ports_.bridge.currentTelemetry);
 }
 
 }  // namespace orbinex

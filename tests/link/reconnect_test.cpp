@@ -327,7 +327,7 @@ TEST(Reconnecting, rightAfterTheUsersDisconnectIsNotCutByTheFarewell) {
     world.link.connectTrustedDevice(world.store.devices->front());
     world.run(5s);
     EXPECT_EQ(*world.link.phase, LinkPhase::connected);
-    EXPECT_EQ(phone.received.back(), ControlMessage{world.bridge.telemetry});
+    EXPECT_EQ(phone.received.back(), ControlMessage{*world.bridge.currentTelemetry});
     EXPECT_TRUE(world.alerts.empty());
 }
 

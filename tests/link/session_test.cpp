@@ -20,7 +20,7 @@ TEST(Session, greetsThePhoneAndTellsItTheEditorsState) {
     const std::vector<ControlMessage> expected{
         ControlMessage{ControlMessage::Hello{2, "Edit Suite"}},
         ControlMessage{ControlMessage::ActiveApp{"org.example.editor"}},
-        ControlMessage{world.bridge.telemetry},
+        ControlMessage{*world.bridge.currentTelemetry},
     };
     EXPECT_EQ(phone.received, expected);
     EXPECT_TRUE(world.bridge.isConnected);
@@ -32,7 +32,7 @@ TEST(Session, greetsThePhoneAndTellsItTheEditorsState) {
 TEST(Session, writesWithResponseToAPhoneThatTakesNothingElse) {
     LinkWorld world;
     world.computerName.clear();
-    world.bridge.bundleID.clear();
+    world.bridge.activeBundleID = "";
     auto& phone = world.addPhone();
     phone.canWriteWithoutResponse = false;
     world.establish(phone);
@@ -47,10 +47,10 @@ TEST(Session, passesTheBridgesOutputOnOnlyWhileAPhoneListens) {
     world.establish(phone);
     phone.received.clear();
     world.bridge.onActiveAppChanged("org.example.other");
-    world.bridge.onTelemetryChanged(world.bridge.telemetry);
+    world.bridge.onTelemetryChanged(*world.bridge.currentTelemetry);
     world.bridge.onDAWPacketReady(encodeGoodbye());
     EXPECT_EQ(phone.received, (std::vector{ControlMessage{ControlMessage::ActiveApp{"org.example.other"}},
-                                           ControlMessage{world.bridge.telemetry},
+                                           ControlMessage{*world.bridge.currentTelemetry},
                                            ControlMessage{ControlMessage::Goodbye{}}}));
     phone.received.clear();
     phone.dropLink();
