@@ -65,6 +65,10 @@ std::string_view asText(ByteView bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
+bool isASCII(char c) {
+    return static_cast<unsigned char>(c) < 0x80;
+}
+
 char lowerASCII(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
@@ -124,7 +128,7 @@ UTF8Prefix validUTF8(ByteView bytes) {
     const std::string_view text = asText(bytes);
     std::size_t length = 0;
     while (length < text.size()) {
-        if (static_cast<unsigned char>(text[length]) < 0x80) {
+        if (isASCII(text[length])) {
             ++length;
             continue;
         }
@@ -138,6 +142,8 @@ UTF8Prefix validUTF8(ByteView bytes) {
 
 std::size_t firstCharacterLength(std::string_view text) {
     if (text.empty()) return 0;
+    // Nothing joins a printing ASCII character to another ASCII one.
+    if (text[0] >= ' ' && text[0] <= '~' && (text.size() == 1 || isASCII(text[1]))) return 1;
     Step current = step(text);
     std::size_t length = current.length;
     utf8proc_int32_t state = 0;

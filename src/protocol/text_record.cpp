@@ -1,6 +1,8 @@
 #include "protocol/text_record.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 
 #include "base/numbers.h"
 #include "base/text.h"
@@ -10,6 +12,8 @@ namespace orbinex {
 namespace {
 
 constexpr char separator = '|';
+/// Most records are shorter, in bytes.
+constexpr std::size_t ordinaryLength = 160;
 
 }  // namespace
 
@@ -32,14 +36,22 @@ double TextRecordReader::decimal(std::size_t field, double defaultValue) const {
     return parseDecimal(text(field)).value_or(defaultValue);
 }
 
+TextRecordWriter::TextRecordWriter() {
+    text_.reserve(ordinaryLength);
+}
+
 TextRecordWriter& TextRecordWriter::text(std::string_view value, std::size_t maximumCharacters) {
+    if (value.find(separator) == std::string_view::npos)
+        return field(firstCharacters(value, maximumCharacters));
     std::string kept(value);
     std::erase(kept, separator);
     return field(firstCharacters(kept, maximumCharacters));
 }
 
 TextRecordWriter& TextRecordWriter::integer(std::int64_t value) {
-    return field(std::to_string(value));
+    std::array<char, 20> digits;
+    const auto [end, error] = std::to_chars(digits.data(), digits.data() + digits.size(), value);
+    return field({digits.data(), end});
 }
 
 TextRecordWriter& TextRecordWriter::fixed(double value, int decimals) {

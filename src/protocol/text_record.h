@@ -33,6 +33,8 @@ class TextRecordReader {
 /// Writes the same, field by field.
 class TextRecordWriter {
   public:
+    TextRecordWriter();
+
     /// The text without any "|", cut to its first characters as a reader sees them.
     TextRecordWriter& text(std::string_view value,
                            std::size_t maximumCharacters = std::numeric_limits<std::size_t>::max());

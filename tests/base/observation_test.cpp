@@ -148,6 +148,19 @@ TEST(Published, tellsTheLaterObserversOfEachOfTwoNestedAssignments) {
     EXPECT_THAT(calls, ElementsAre("2", "1"));
 }
 
+TEST(Published, isEditedInPlaceOrAnnouncedBefore) {
+    Published<std::string> text{"a"};
+    std::vector<std::string> seen;
+    const auto after = text.onDidChange([&](const std::string& value) { seen.push_back(value); });
+    const auto* const place = &*text;
+    text.edit([](std::string& value) { value += "b"; });
+    EXPECT_EQ(&*text, place);
+    const auto before =
+        text.onWillChange([&](const std::string& value) { seen.push_back(*text + " to " + value); });
+    text.edit([](std::string& value) { value += "c"; });
+    EXPECT_EQ(seen, (std::vector<std::string>{"ab", "ab to abc", "abc"}));
+}
+
 TEST(Lifetime, silencesItsWorkWhenItEnds) {
     int calls = 0;
     std::function<void(int)> work;

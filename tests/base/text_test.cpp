@@ -123,6 +123,43 @@ TEST(ControlCharacters, areTrimmedAtBothEndsOnly) {
     EXPECT_EQ(trimControlCharacters(""), "");
 }
 
+TEST(UTF8, isTakenUpToACharacterThatIsCutOff) {
+    const struct {
+        std::string_view bytes;
+        std::size_t length;
+        bool isCut;
+    } rows[] =
+        {
+            {"", 0, false},           {"abc", 3, false},  {"a\u20AC", 4, false},
+            {"a\xE2\x82", 1, true},   {"a\xE2", 1, true}, {"\xF0\x9F\x98", 0, true},
+            {"a\xE2\x82z", 1, false},  // something else follows
+            {"a\xE0\x80", 1, false},   // overlong, however it goes on
+            {"a\x82", 1, false},       // continuation without a lead
+            {"a\xFF", 1, false},
+        };
+    for (const auto& [bytes, length, isCut] : rows) {
+        const auto prefix = validUTF8(bytesOf(bytes));
+        EXPECT_EQ(prefix.length, length) << bytes;
+        EXPECT_EQ(prefix.isCut, isCut) << bytes;
+    }
+}
+
+TEST(WhiteSpace, isTrimmedAtBothEndsOnly) {
+    EXPECT_EQ(trimWhitespace(" \t\r\n\u00A0\u2003\u2028a b\u3000\x0B\u0085 "), "a b");
+    EXPECT_EQ(trimWhitespace("\u200Ba\u200B"), "\u200Ba\u200B");
+    EXPECT_EQ(trimWhitespace("\u20AC "), "\u20AC");
+    EXPECT_EQ(trimWhitespace(" \n "), "");
+    EXPECT_EQ(trimWhitespace(""), "");
+}
+
+TEST(Case, isChangedAndOverlooked) {
+    EXPECT_EQ(uppercased("edit \u00E9\u0436 1"), "EDIT \u00C9\u0416 1");
+    EXPECT_TRUE(containsIgnoringCase("com.Example.EDITOR.beta", "example.editor"));
+    EXPECT_TRUE(containsIgnoringCase("abc", ""));
+    EXPECT_FALSE(containsIgnoringCase("ab", "abc"));
+    EXPECT_FALSE(containsIgnoringCase("", "a"));
+}
+
 TEST(UTF16, comesAndGoesInSurrogatePairs) {
     EXPECT_EQ(utf16("a\u20AC\U0001F600"), u"a\u20AC\xD83D\xDE00");
     EXPECT_EQ(utf8(u"a\u20AC\xD83D\xDE00"), "a\u20AC\U0001F600");
@@ -155,6 +192,10 @@ TEST(Text, isSafeInWhateverBytesItIsGiven) {
         ASSERT_EQ(utf8(utf16(repaired)), repaired);
         ASSERT_TRUE(strictUTF8(bytesOf(lowercased(bytes))));
         ASSERT_LE(trimControlCharacters(bytes).size(), bytes.size());
+        ASSERT_LE(trimWhitespace(bytes).size(), bytes.size());
+        const auto prefix = validUTF8(bytesOf(bytes));
+        ASSERT_TRUE(strictUTF8(bytesOf(bytes).first(prefix.length)));
+        ASSERT_LE(bytes.size() - prefix.length, prefix.isCut ? 3U : bytes.size());
         std::size_t walked = 0;
         while (walked < bytes.size()) walked += firstCharacterLength(std::string_view(bytes).substr(walked));
         ASSERT_EQ(walked, bytes.size());
