@@ -28,8 +28,9 @@ class BluezGatt {
     static constexpr std::chrono::seconds requestLimit{35};
     /// A subscription that ends on a standing connection is made anew after this, unless that ends too.
     static constexpr std::chrono::seconds resubscribeDelay{1};
-    /// Writes that BlueZ has not yet taken; what goes beyond is dropped, as the radio would.
-    static constexpr int maximumUnansweredWrites = 64;
+    /// Writes that BlueZ has not yet taken; what goes beyond is dropped, as the radio would. A session of some
+    /// hundred tracks is told in one go.
+    static constexpr int maximumUnansweredWrites = 512;
     /// Of each socket when the connection has ended; more than the kernel keeps for one.
     static constexpr int maximumPendingTurns = 16;
 
