@@ -194,7 +194,9 @@ std::string uppercased(std::string_view text) {
 }
 
 bool containsIgnoringCase(std::string_view text, std::string_view part) {
-    return !std::ranges::search(text, part, {}, lowerASCII, lowerASCII).empty() || part.empty();
+    const auto isSame = [](char a, char b) { return lowerASCII(a) == lowerASCII(b); };
+    return part.empty() ||
+           std::search(text.begin(), text.end(), part.begin(), part.end(), isSame) != text.end();
 }
 
 std::string canonicalForm(std::string_view text) {

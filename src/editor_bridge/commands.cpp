@@ -24,6 +24,8 @@ template <class... Functions>
 struct Overloaded : Functions... {
     using Functions::operator()...;
 };
+template <class... Functions>
+Overloaded(Functions...) -> Overloaded<Functions...>;
 
 }  // namespace
 
@@ -95,8 +97,9 @@ void AppWatcherDaemon::sendTrackState(std::int64_t index) const {
 void AppWatcherDaemon::broadcastFullDAWSnapshot() {
     if (!isBLEClientConnected_) return;
     send(encodeHeader(*dawSnapshot));
-    // By place: whoever is told may change the session.
-    for (std::size_t i = 0; i < dawSnapshot->tracks.size(); ++i) send(encodeTrack(dawSnapshot->tracks[i]));
+    // A copy: whoever is told may change the session.
+    const auto tracks = dawSnapshot->tracks;
+    for (const auto& track : tracks) send(encodeTrack(track));
     meterTick();
 }
 
