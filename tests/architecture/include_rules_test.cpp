@@ -41,6 +41,7 @@ const std::map<std::string, Rule> logic{
 const std::map<std::string, Names> adapters{
     {"input/x11", {"input", "protocol", "base"}},
     {"input/uinput", {"input"}},
+    {"editor_bridge/linux", {"editor_bridge", "base"}},
     {"link/bluez", {"link", "protocol", "base"}},
     {"app/linux", {"app", "link", "base"}},
 };
