@@ -129,10 +129,13 @@ TEST_F(LinuxScriptHostTest, handsOverAllOutputBeforeTheEndHoweverTheHostEnds) {
         EXPECT_TRUE(output_ == row.output) << row.script << " printed " << output_.size() << " bytes";
         EXPECT_EQ(exits_, 1);
     }
-    launch("yes > /dev/stdout & printf $!; exit");
+    launch("yes & echo $! > " + (folder_ / "heir").string());
     awaitExit();
-    EXPECT_EQ(::kill(std::atoi(output_.c_str()), SIGKILL), 0)
-        << "it printed for ever, and was not waited for";
+    pid_t heir = 0;
+    std::ifstream(folder_ / "heir") >> heir;
+    ASSERT_GT(heir, 1);
+    // It has died of the closed pipe, or is about to.
+    ::kill(heir, SIGKILL);
 }
 
 TEST_F(LinuxScriptHostTest, takesAScriptOfAnyUsualLength) {
