@@ -216,15 +216,32 @@ void BluezGatt::valueRead(const UUID& device, const UUID& characteristic, const 
 }
 
 void BluezGatt::writeValue(const UUID& device, const UUID& characteristic, ByteView value, WriteType type) {
-    const auto* const channel = this->channel(device, characteristic);
     auto* const conversation = this->conversation(device);
-    if (!channel || conversation->unansweredWrites >= maximumUnansweredWrites) return;
-    ++conversation->unansweredWrites;
-    const QByteArray bytes(reinterpret_cast<const char*>(value.data()), static_cast<qsizetype>(value.size()));
-    const char* const kind = type == WriteType::withoutResponse ? "command" : "request";
-    bus_.call(channel->path, Bluez::characteristic, "WriteValue", {bytes, QVariantMap{{"type", kind}}},
-              requestLimit, conversation->calls->guard([this, device](const BluezBus::Reply&) {
-                  --conversations_.at(device).unansweredWrites;
+    if (!conversation || !channel(device, characteristic)) return;
+    const Write write{characteristic,
+                      {reinterpret_cast<const char*>(value.data()), static_cast<qsizetype>(value.size())},
+                      type};
+    if (conversation->unansweredWrites < maximumUnansweredWrites) {
+        callWrite(device, write);
+    } else if (conversation->waitingWrites.size() < maximumWaitingWrites) {
+        conversation->waitingWrites.push_back(write);
+    }
+}
+
+void BluezGatt::callWrite(const UUID& device, const Write& write) {
+    const auto* const channel = this->channel(device, write.characteristic);
+    if (!channel) return;
+    auto& conversation = conversations_.at(device);
+    ++conversation.unansweredWrites;
+    const char* const kind = write.type == WriteType::withoutResponse ? "command" : "request";
+    bus_.call(channel->path, Bluez::characteristic, "WriteValue", {write.value, QVariantMap{{"type", kind}}},
+              requestLimit, conversation.calls->guard([this, device](const BluezBus::Reply&) {
+                  auto& answered = conversations_.at(device);
+                  --answered.unansweredWrites;
+                  if (answered.waitingWrites.empty()) return;
+                  const Write next = answered.waitingWrites.front();
+                  answered.waitingWrites.pop_front();
+                  callWrite(device, next);
               }));
 }
 

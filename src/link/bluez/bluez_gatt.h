@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
+#include <cstddef>
+#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
@@ -28,9 +31,11 @@ class BluezGatt {
     static constexpr std::chrono::seconds requestLimit{35};
     /// A subscription that ends on a standing connection is made anew after this, unless that ends too.
     static constexpr std::chrono::seconds resubscribeDelay{1};
-    /// Writes that BlueZ has not yet taken; what goes beyond is dropped, as the radio would. A session of some
-    /// hundred tracks is told in one go.
-    static constexpr int maximumUnansweredWrites = 512;
+    /// Writes that are with BlueZ; the bus itself allows 128 calls without an answer.
+    static constexpr int maximumUnansweredWrites = 64;
+    /// Writes that wait for those; what goes beyond is dropped, as the radio would. A session of some hundred
+    /// tracks is told in one go.
+    static constexpr std::size_t maximumWaitingWrites = 512;
     /// Of each socket when the connection has ended; more than the kernel keeps for one.
     static constexpr int maximumPendingTurns = 16;
 
@@ -69,6 +74,11 @@ class BluezGatt {
         std::unique_ptr<NotifySocket> socket;
         Timer resubscription;
     };
+    struct Write {
+        UUID characteristic;
+        QByteArray value;
+        WriteType type;
+    };
     /// With one connected device.
     struct Conversation {
         /// Shared with a call of the delegate, which may end the conversation.
@@ -78,6 +88,7 @@ class BluezGatt {
         std::map<UUID, QString> services;
         std::map<UUID, Channel> channels;
         int unansweredWrites = 0;
+        std::deque<Write> waitingWrites;
         /// Answers to calls of an earlier conversation are for nobody.
         std::unique_ptr<Lifetime> calls = std::make_unique<Lifetime>();
     };
@@ -89,6 +100,7 @@ class BluezGatt {
     void read(const UUID& device, const UUID& characteristic);
     void pairThenRead(const UUID& device, const UUID& characteristic);
     void valueRead(const UUID& device, const UUID& characteristic, const BluezBus::Reply& reply);
+    void callWrite(const UUID& device, const Write& write);
     void acquire(const UUID& device, const UUID& characteristic);
     void acquired(const UUID& device, const UUID& characteristic, const BluezBus::Reply& reply);
     void startNotify(const UUID& device, const UUID& characteristic);

@@ -170,8 +170,9 @@ TEST(BluezGatt, writesAsAskedAndBoundsWhatIsNotTaken) {
     const Bytes value{1, 2, 3};
     world.bluez.hang("WriteValue");
     world.central->writeValue(world.id(), controlCharacteristicUUID, value, WriteType::withResponse);
-    for (int i = 0; i < 200; ++i) {
-        world.central->writeValue(world.id(), controlCharacteristicUUID, value, WriteType::withoutResponse);
+    for (std::uint8_t i = 0; i < 200; ++i) {
+        world.central->writeValue(world.id(), controlCharacteristicUUID, Bytes{1, 2, i},
+                                  WriteType::withoutResponse);
     }
     world.settle();
     ASSERT_EQ(world.bluez.kept.size(), 64U);
@@ -180,16 +181,28 @@ TEST(BluezGatt, writesAsAskedAndBoundsWhatIsNotTaken) {
     };
     EXPECT_EQ(kind(world.bluez.kept[0]), "request");
     EXPECT_EQ(kind(world.bluez.kept[1]), "command");
-    EXPECT_EQ(world.bluez.kept[1].arguments()[0].toByteArray(), QByteArray("\1\2\3"));
-    // Answers of either kind make room.
-    world.bluez.answer(world.bluez.kept[0]);
-    world.bluez.fail(world.bluez.kept[1], "org.bluez.Error.Failed", "Not connected");
-    world.settle();
-    for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(world.bluez.kept[1].arguments()[0].toByteArray(), QByteArray("\1\2\0", 3));
+    // Answers of either kind let those go that wait, in their order.
+    world.bluez.fail(world.bluez.kept[0], "org.bluez.Error.Failed", "Not connected");
+    for (std::size_t i = 1; i < world.bluez.kept.size(); ++i) {
+        world.bluez.answer(world.bluez.kept[i]);
+        world.settle();
+    }
+    ASSERT_EQ(world.bluez.kept.size(), 201U);
+    for (int i = 0; i < 200; ++i) {
+        const auto bytes = world.bluez.kept[static_cast<std::size_t>(i) + 1].arguments()[0].toByteArray();
+        EXPECT_EQ(static_cast<std::uint8_t>(bytes.at(2)), i);
+    }
+    for (std::size_t i = 0; i < 64 + BluezGatt::maximumWaitingWrites + 100; ++i) {
         world.central->writeValue(world.id(), controlCharacteristicUUID, value, WriteType::withoutResponse);
     }
     world.settle();
-    EXPECT_EQ(world.bluez.kept.size(), 66U);
+    for (std::size_t i = 201; i < world.bluez.kept.size(); ++i) {
+        world.bluez.answer(world.bluez.kept[i]);
+        world.settle();
+    }
+    EXPECT_EQ(world.bluez.kept.size(), 201 + 64 + BluezGatt::maximumWaitingWrites)
+        << "no more than that waits";
     EXPECT_EQ(world.take(), Lines{});
 }
 
