@@ -167,6 +167,13 @@ class NamedProcess {
 /// A workspace on a server of its own, and what it tells. Time is ours, but for what other programs take.
 class X11WorkspaceTest : public testing::Test {
   protected:
+    ~X11WorkspaceTest() override {
+        subscriptions.clear();
+        workspace.reset();
+        // There is no event loop that would delete what is to be deleted later.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+
     void open(bool withWindowManager = true) {
         if (withWindowManager) {
             ASSERT_TRUE(
