@@ -59,3 +59,16 @@ function(orbinex_fuzz name)
   target_link_options(${name} PRIVATE -fsanitize=fuzzer)
   target_link_libraries(${name} PRIVATE orbinex_options ${ARG_DEPENDS})
 endfunction()
+
+# orbinex_embed_text(TARGET FILE HEADER FUNCTION): adds a source that defines std::string_view FUNCTION(), the text of FILE, as
+# declared in HEADER.
+function(orbinex_embed_text target file header function)
+  set(source ${CMAKE_CURRENT_BINARY_DIR}/${function}.cpp)
+  add_custom_command(
+    OUTPUT ${source}
+    COMMAND ${CMAKE_COMMAND} -DINPUT=${CMAKE_CURRENT_SOURCE_DIR}/${file} -DOUTPUT=${source} -DHEADER=${header}
+      -DFUNCTION=${function} -P ${CMAKE_SOURCE_DIR}/cmake/EmbedText.cmake
+    DEPENDS ${file} ${CMAKE_SOURCE_DIR}/cmake/EmbedText.cmake
+    VERBATIM)
+  target_sources(${target} PRIVATE ${source})
+endfunction()

@@ -43,7 +43,7 @@ const std::map<std::string, Names> adapters{
     {"input/uinput", {"input"}},
     {"editor_bridge/linux", {"editor_bridge", "base"}},
     {"link/bluez", {"link", "protocol", "base"}},
-    {"app/linux", {"app", "link", "base"}},
+    {"app/linux", {"app", "link", "editor_bridge", "editor_bridge/linux", "base"}},
 };
 
 /// The one file that puts everything together.

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "app/app_coordinator.h"
-#include "editor_bridge/idle_editor_bridge.h"
+#include "sim/idle_editor_bridge.h"
 #include "sim/memory_defaults.h"
 #include "support/direct_central.h"
 

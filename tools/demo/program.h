@@ -7,7 +7,7 @@
 #include "app/app_coordinator.h"
 #include "app/linux/fd_watch.h"
 #include "app/linux/qt_main_queue.h"
-#include "editor_bridge/idle_editor_bridge.h"
+#include "sim/idle_editor_bridge.h"
 #include "event_loop.h"
 #include "input/x11/x11_connection.h"
 #include "input/x11/x11_event_poster.h"

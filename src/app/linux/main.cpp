@@ -11,6 +11,7 @@
 #include "app/app_coordinator.h"
 #include "app/linux/computer_name.h"
 #include "app/linux/fd_watch.h"
+#include "app/linux/linux_editor_bridge.h"
 #include "app/linux/qt_main_queue.h"
 #include "app/linux/settings_defaults.h"
 #include "app/linux/standard_input.h"
@@ -20,7 +21,6 @@
 #include "app/terminal_console.h"
 #include "app/terminal_prompt.h"
 #include "app/terminal_text.h"
-#include "editor_bridge/idle_editor_bridge.h"
 #include "input/uinput/uinput_scroll.h"
 #include "input/x11/x11_connection.h"
 #include "input/x11/x11_event_poster.h"
@@ -37,14 +37,25 @@ void say(const std::string& line) {
     std::fflush(stdout);
 }
 
-QString adapterWanted(const QCoreApplication& application) {
+struct Options {
+    QString adapter;
+    LinuxEditorBridge::Places places = LinuxEditorBridge::usualPlaces();
+};
+
+Options parse(const QCoreApplication& application) {
     QCommandLineParser parser;
-    parser.setApplicationDescription("Makes an iPhone the trackpad and keyboard of this computer.");
+    parser.setApplicationDescription(
+        "Makes an iPhone the trackpad, keyboard and editing surface of this computer.");
     parser.addHelpOption();
     const QCommandLineOption adapter("adapter", "Use only this Bluetooth adapter, such as hci0.", "name");
-    parser.addOption(adapter);
+    const QCommandLineOption host("script-host",
+                                  "The editor's scripting host, where it is not in its usual place.", "file");
+    parser.addOptions({adapter, host});
     parser.process(application);
-    return parser.value(adapter);
+    Options options;
+    options.adapter = parser.value(adapter);
+    if (parser.isSet(host)) options.places.scriptHost = parser.value(host).toStdString();
+    return options;
 }
 
 }  // namespace
@@ -52,7 +63,7 @@ QString adapterWanted(const QCoreApplication& application) {
 int main(int argc, char** argv) {
     prepareStandardStreams();
     const QCoreApplication application(argc, argv);
-    const QString adapter = adapterWanted(application);
+    const Options options = parse(application);
     QtMainQueue queue;
     int status = 0;
     const UnixSignals signals([&](int) { QCoreApplication::exit(status); });
@@ -83,10 +94,10 @@ int main(int argc, char** argv) {
     TerminalPrompt prompt(say);
     const SystemBus bus;
     LogindWake wake(bus.connection());
-    BluezCentral central(bus.connection(), {queue, defaults, prompt, wake, adapter});
-    IdleEditorBridge bridge;
-    AppCoordinator coordinator(preferences,
-                               {queue, defaults, central, wake, poster, layouts, bridge, computerName});
+    BluezCentral central(bus.connection(), {queue, defaults, prompt, wake, options.adapter});
+    LinuxEditorBridge editors(queue, options.places);
+    AppCoordinator coordinator(
+        preferences, {queue, defaults, central, wake, poster, layouts, editors.daemon(), computerName});
 
     std::string shown = *coordinator.centralManager.statusMessage;
     say(shown);

@@ -12,7 +12,7 @@
 #include "app/linux/program_run.h"
 #include "app/linux/qt_main_queue.h"
 #include "app/linux/unix_signals.h"
-#include "editor_bridge/idle_editor_bridge.h"
+#include "sim/idle_editor_bridge.h"
 #include "input/x11/x11_connection.h"
 #include "input/x11/x11_event_poster.h"
 #include "input/x11/x11_keyboard_layout_source.h"

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <string>
+
+#include "base/main_queue.h"
+#include "editor_bridge/app_watcher_daemon.h"
+#include "editor_bridge/linux/linux_script_host.h"
+#include "editor_bridge/linux/pulse_volume.h"
+#include "editor_bridge/linux/tmp_command_file.h"
+#include "editor_bridge/linux/x11_workspace.h"
+
+namespace orbinex {
+
+/// The editor bridge on what a Linux desktop has. Needs the Qt event loop.
+class LinuxEditorBridge {
+  public:
+    struct Places {
+        /// X display; empty: the one in the environment.
+        std::string display;
+        /// The editor's scripting host; it need not exist.
+        std::string scriptHost;
+        std::string commandFile;
+        /// Address of the sound server; empty: the session's.
+        std::string soundServer;
+    };
+
+    LinuxEditorBridge(MainQueue& queue, const Places& places)
+        : workspace_(queue, places.display),
+          scriptHost_(places.scriptHost, queue),
+          commandFile_(places.commandFile),
+          volume_(queue, places.soundServer),
+          daemon_({queue, workspace_, scriptHost_, commandFile_, volume_}) {}
+
+    AppWatcherDaemon& daemon() { return daemon_; }
+    const SystemVolume& volume() const { return volume_; }
+
+    /// Of this user, with the editor in its usual place.
+    static Places usualPlaces();
+
+  private:
+    X11Workspace workspace_;
+    LinuxScriptHost scriptHost_;
+    TmpCommandFile commandFile_;
+    PulseVolume volume_;
+    AppWatcherDaemon daemon_;
+};
+
+}  // namespace orbinex

@@ -1,0 +1,365 @@
+-- Runs under the editor's scripting host. Prints what the editor shows, one record a line, and carries out the commands that
+-- wait in a file. Lua 5.1; everything is local, and nothing that is read is ever run.
+
+local resolve = bmd.scriptapp("Resolve")
+if not resolve then os.exit(0) end
+local cmdPath = "@COMMAND_FILE@"
+
+local POLL_SECONDS = 0.033
+-- In rounds of the main loop.
+local LOOK_AGAIN = 15
+local DUMP_AGAIN = 18
+local LONGEST_COMMANDS = 1024 * 1024
+local takenPath = cmdPath .. ".taken"
+
+-- Values from outside
+
+-- A number that every printf takes; anything else is the default.
+local function number(value, default)
+  value = tonumber(value)
+  if not value or value ~= value or value >= 2^53 or value <= -2^53 then return default end
+  return value
+end
+
+local function whole(value, default)
+  value = number(value)
+  if not value then return default end
+  return value < 0 and math.ceil(value) or math.floor(value)
+end
+
+local function text(value, default)
+  if type(value) ~= "string" or value == "" then return default end
+  return (value:gsub("[\r\n%z]", " "))
+end
+
+local function field(value, default)
+  return (text(value, default):gsub("|", "/"))
+end
+
+local function isOn(value)
+  return value == true or value == 1
+end
+
+-- Calls a method of one of the editor's objects. Nothing when there is no such object or method, or when it fails.
+local function call(object, method, ...)
+  local arguments, count = { ... }, select("#", ...)
+  local isDone, result = pcall(function()
+    return object[method](object, unpack(arguments, 1, count))
+  end)
+  if isDone then return result end
+  return nil
+end
+
+local function offers(object, method)
+  local isDone, member = pcall(function() return object[method] end)
+  return isDone and member ~= nil
+end
+
+local function versionLabel()
+  local version = call(resolve, "GetVersionString")
+  version = type(version) == "string" and version or "20"
+  return "RESOLVE " .. (version:match("^%d+%.%d+") or version:match("^%d+") or "20")
+end
+
+-- What is known of the editor
+
+local label = versionLabel()
+local project, timeline
+local rate, timelineName, page = "24", "Timeline", "edit"
+local clipsLinked = 1
+local mustDump = true
+-- For each audio track its clips, in order: { item, first = frame, last = frame }.
+local clips = {}
+
+local function isPlayable(item)
+  if item == nil then return false end
+  local kind = call(item, "GetType")
+  if type(kind) == "string" and kind:lower() == "transition" then return false end
+  return call(item, "GetMediaPoolItem") ~= nil or type(call(item, "GetProperty", "AudioVolume")) == "number"
+end
+
+local function trackCount()
+  return math.max(whole(call(timeline, "GetTrackCount", "audio"), 0), 0)
+end
+
+local function findClips()
+  clips = {}
+  for track = 1, trackCount() do
+    local list = {}
+    local items = call(timeline, "GetItemListInTrack", "audio", track)
+    for _, item in ipairs(type(items) == "table" and items or {}) do
+      if isPlayable(item) then
+        list[#list + 1] = { item = item, first = number(call(item, "GetStart"), 0), last = number(call(item, "GetEnd"), 0) }
+      end
+    end
+    clips[track] = list
+  end
+end
+
+local function clipsOf(track)
+  if not clips[track] then findClips() end
+  return clips[track] or {}
+end
+
+-- The clip under the playhead, or else the one nearest to it; and whether it is the former.
+local function clipAt(track, playhead)
+  local list = clipsOf(track)
+  if not playhead then return list[1] and list[1].item, false end
+  local nearest, shortest = list[1], 999999999
+  for _, clip in ipairs(list) do
+    if clip.first <= playhead and playhead < clip.last then return clip.item, true end
+    local distance = math.min(math.abs(playhead - clip.first), math.abs(playhead - clip.last))
+    if distance < shortest then nearest, shortest = clip, distance end
+  end
+  return nearest and nearest.item, false
+end
+
+local function framesOf(timecode)
+  local h, m, s, f = timecode:match("^(%d+)[:;](%d+)[:;](%d+)[:;](%d+)$")
+  if not h then return nil end
+  local frames = math.floor(number(rate:match("^%s*([%d.]+)"), 24) + 0.5)
+  if frames < 1 then frames = 24 end
+  return ((h * 60 + m) * 60 + s) * frames + f
+end
+
+local function currentTimecode()
+  return text(call(timeline, "GetCurrentTimecode"))
+end
+
+local timecode, playhead = "", nil
+
+local function readPlayhead()
+  timecode = currentTimecode() or timecode
+  playhead = framesOf(timecode)
+end
+
+-- Commands
+
+-- The arguments of a command: its fields after the operation.
+local function flagAt(fields, i, default)
+  return whole(fields[i], default) ~= 0
+end
+
+local function trackAt(fields)
+  return whole(fields[2], 1)
+end
+
+local function setOnClip(track, properties)
+  local item = clipAt(track, playhead)
+  for _, property in ipairs(properties) do
+    call(item, "SetProperty", property[1], property[2])
+  end
+end
+
+local function videoItem()
+  return call(timeline, "GetCurrentVideoItem")
+end
+
+local function threeTimes(format, a, b, c)
+  return string.format(format .. " " .. format .. " " .. format, a, b, c)
+end
+
+-- For each operation how many fields it needs, whether it needs a timeline, whether the tracks are to be told again, and what it
+-- does.
+local commands = {
+  PAGE = { fields = 2, isTold = true, run = function(fields) call(resolve, "OpenPage", fields[2]) end },
+  TC = { fields = 2, timeline = true, run = function(fields) call(timeline, "SetCurrentTimecode", fields[2]) end },
+  LINK = { fields = 2, timeline = true, isTold = true, run = function(fields)
+    local isLinked = flagAt(fields, 2, 1)
+    call(timeline, "SetClipsLinked", isLinked)
+    clipsLinked = isLinked and 1 or 0
+  end },
+  MUTE = { fields = 3, timeline = true, isTold = true, run = function(fields)
+    call(timeline, "SetTrackEnable", "audio", trackAt(fields), flagAt(fields, 3, 1))
+  end },
+  LOCK = { fields = 3, timeline = true, isTold = true, run = function(fields)
+    call(timeline, "SetTrackLock", "audio", trackAt(fields), flagAt(fields, 3, 0))
+  end },
+  VOL = { fields = 3, timeline = true, isTold = true, run = function(fields)
+    setOnClip(trackAt(fields), { { "AudioVolume", number(fields[3], 0.0) } })
+  end },
+  PAN = { fields = 3, timeline = true, isTold = true, run = function(fields)
+    setOnClip(trackAt(fields), { { "AudioPan", number(fields[3], 0.0) } })
+  end },
+  VISO = { fields = 4, timeline = true, isTold = true, run = function(fields)
+    local track, isEnabled, amount = trackAt(fields), flagAt(fields, 3, 0), number(fields[4], 65)
+    call(timeline, "SetVoiceIsolationState", track, { isEnabled = isEnabled, amount = amount })
+    setOnClip(track, { { "AudioVoiceIsolationEnabled", isEnabled }, { "AudioVoiceIsolationAmount", amount } })
+  end },
+  DLEV = { fields = 4, timeline = true, isTold = true, run = function(fields)
+    setOnClip(trackAt(fields), {
+      { "AudioDialogueLevelerEnabled", flagAt(fields, 3, 0) },
+      { "AudioDialogueLevelerOutputGain", number(fields[4], 0.0) },
+    })
+  end },
+  CDL = { fields = 1, timeline = true, run = function(fields)
+    local function at(i, default) return number(fields[i], default) end
+    local power = at(9, 1.0)
+    call(videoItem(), "SetCDL", {
+      NodeIndex = fields[2] or "1",
+      Slope = threeTimes("%.4f", at(3, 1.0), at(4, 1.0), at(5, 1.0)),
+      Offset = threeTimes("%.4f", at(6, 0.0), at(7, 0.0), at(8, 0.0)),
+      Power = threeTimes("%.4f", power, power, power),
+      Saturation = string.format("%.3f", at(10, 1.0)),
+    })
+  end },
+  NEN = { fields = 3, timeline = true, isTold = true, run = function(fields)
+    call(call(videoItem(), "GetNodeGraph"), "SetNodeEnabled", whole(fields[2], 1), flagAt(fields, 3, 1))
+  end },
+  REFRESH = { fields = 1, isTold = true, run = function() if timeline then findClips() end end },
+}
+
+local function runCommand(line)
+  local fields = {}
+  for token in line:gmatch("[^|]+") do fields[#fields + 1] = token end
+  local command = commands[fields[1]]
+  if not command or #fields < command.fields or (command.timeline and not timeline) then return end
+  pcall(command.run, fields)
+  if command.isTold then mustDump = true end
+end
+
+-- Takes the commands that wait. The file lies where everybody may put something: only what can be opened for writing and has an
+-- end is read, which a folder and a pipe have not, and no more than commands can reasonably be. It is renamed before it is read:
+-- a line that is added meanwhile is either read here, or its writer sees that the file has gone and writes it again. Commands are
+-- absolute, so that twice does no harm.
+local function takeCommands()
+  local file = io.open(cmdPath, "r+")
+  if not file then return nil end
+  local size = file:seek("end")
+  if not size then
+    file:close()
+    return nil
+  end
+  local path = os.rename(cmdPath, takenPath) and takenPath or cmdPath
+  file:seek("set", 0)
+  local content = size <= LONGEST_COMMANDS and file:read("*a") or ""
+  file:close()
+  os.remove(path)
+  return content
+end
+
+local function runWaitingCommands()
+  local content = takeCommands()
+  if not content or content == "" then return end
+  for line in content:gmatch("[^\r\n]+") do runCommand(line) end
+  readPlayhead()
+  page = text(call(resolve, "GetCurrentPage"), page)
+end
+
+-- What is printed
+
+local function printLine(...)
+  io.stdout:write(string.format(...), "\n")
+end
+
+-- What the line tells of the clip that is inspected on a track.
+local function inspectClip(line, track, item, isActive)
+  local name = field(call(item, "GetName"), "Clip")
+  line.clipName = isActive and name or "[" .. name .. "]"
+  line.volume = number(call(item, "GetProperty", "AudioVolume"), 0.0)
+  line.pan = number(call(item, "GetProperty", "AudioPan"), 0.0)
+  if isOn(call(item, "GetProperty", "AudioVoiceIsolationEnabled")) then line.isIsolated = true end
+  line.isolation = number(call(item, "GetProperty", "AudioVoiceIsolationAmount"), line.isolation)
+  line.isLeveled = isOn(call(item, "GetProperty", "AudioDialogueLevelerEnabled"))
+  line.gain = number(call(item, "GetProperty", "AudioDialogueLevelerOutputGain"), 0.0)
+  if not isActive then return end
+  line.clipStart = whole(call(item, "GetStart"), 0)
+  line.sourceStart = whole(call(item, "GetSourceStartFrame") or call(item, "GetLeftOffset"), 0)
+  line.clipUID = track .. "_" .. string.format("%d", line.clipStart)
+  local path = text(call(call(item, "GetMediaPoolItem"), "GetClipProperty", "File Path"), "")
+  line.path = path:gsub("|", "")
+end
+
+local function trackLine(track, count)
+  local item, isActive = clipAt(track, playhead)
+  local line = { clipName = "Empty", volume = 0.0, pan = 0.0, isolation = 65, gain = 0.0, clipStart = 0, sourceStart = 0,
+                 clipUID = "", path = "" }
+  local state = call(timeline, "GetVoiceIsolationState", track)
+  if type(state) == "table" then
+    line.isIsolated = isOn(state.isEnabled)
+    line.isolation = number(state.amount, line.isolation)
+  end
+  if item then inspectClip(line, track, item, isActive) end
+  local format = text(call(timeline, "GetTrackSubType", "audio", track), "stereo"):upper():gsub("|", "")
+  local function flag(value) return value and 1 or 0 end
+  return string.format("OXTRK|%d|%d|%s|%s|%s|%d|%d|%.2f|%.1f|%d|%d|%d|%.1f|%d|%s|%d|%d|%s", track, count,
+    field(call(timeline, "GetTrackName", "audio", track), "Audio " .. track), line.clipName, format,
+    flag(call(timeline, "GetIsTrackEnabled", "audio", track)), flag(call(timeline, "GetIsTrackLocked", "audio", track)),
+    line.volume, line.pan, flag(line.isIsolated), math.floor(line.isolation + 0.5), flag(line.isLeveled), line.gain,
+    flag(isActive), line.clipUID, line.clipStart, line.sourceStart, line.path)
+end
+
+local lastDump = ""
+
+local function dumpTracks()
+  local count = trackCount()
+  local lines = {}
+  for track = 1, count do lines[track] = trackLine(track, count) end
+  local item = videoItem()
+  local clip = field(call(item, "GetName"), "Timeline Clip")
+  local nodes = whole(call(call(item, "GetNodeGraph"), "GetNumNodes"), 1)
+  local dump = count .. ";" .. table.concat(lines, ";") .. ";CLR:" .. clip .. ":" .. nodes
+  if dump == lastDump then return end
+  lastDump = dump
+  printLine("OXHDR|%d|%d|%s|%d", count, clipsLinked, clip, nodes)
+  for _, line in ipairs(lines) do io.stdout:write(line, "\n") end
+  io.stdout:flush()
+end
+
+local lastReport = ""
+
+local function reportTimecode()
+  local report = table.concat({ timecode, timelineName, page, rate }, "\n")
+  if timecode == "" or (report == lastReport and not mustDump) then return end
+  lastReport = report
+  printLine("OXTC|%s|%s|%s|%s|%s|%d|%d", timecode, rate, label, timelineName, page, clipsLinked, playhead or 0)
+  io.stdout:flush()
+end
+
+local function activeClips()
+  local parts = {}
+  for track = 1, trackCount() do
+    local item, isActive = clipAt(track, playhead)
+    parts[track] = track .. ":" .. (isActive and tostring(call(item, "GetStart")) or "_")
+  end
+  return table.concat(parts, ",")
+end
+
+-- The main loop
+
+local function lookAgain()
+  project = call(call(resolve, "GetProjectManager"), "GetCurrentProject")
+  timeline = call(project, "GetCurrentTimeline")
+  if timeline then
+    rate = tostring(call(timeline, "GetSetting", "timelineFrameRate") or "24")
+    rate = text(rate, "24"):gsub("|", "")
+    timelineName = field(call(timeline, "GetName"), "Timeline")
+    findClips()
+  end
+  page = text(call(resolve, "GetCurrentPage"), "edit"):gsub("|", "")
+end
+
+local lastActive = ""
+
+local function round(tick)
+  if tick % LOOK_AGAIN == 0 or not timeline then lookAgain() end
+  timecode = currentTimecode() or ""
+  playhead = framesOf(timecode)
+  runWaitingCommands()
+  if timeline and playhead then
+    local active = activeClips()
+    if active ~= lastActive then lastActive, mustDump = active, true end
+  end
+  reportTimecode()
+  if timeline and (mustDump or tick % DUMP_AGAIN == 0) then
+    mustDump = false
+    dumpTracks()
+  end
+end
+
+local tick = 0
+while true do
+  pcall(round, tick)
+  tick = tick + 1
+  bmd.wait(POLL_SECONDS)
+end
