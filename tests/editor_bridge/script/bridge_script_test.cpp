@@ -1,0 +1,248 @@
+// What the script asks of the editor, and what it prints, on every kind of Lua.
+
+#include <gmock/gmock.h>
+
+#include "script_run.h"
+
+namespace orbinex::test {
+namespace {
+
+using Lines = std::vector<std::string>;
+using testing::ElementsAre;
+using testing::StartsWith;
+
+class BridgeScript : public testing::TestWithParam<std::string> {
+  protected:
+    ScriptRun script{GetParam()};
+
+    /// What it prints in one round about this session, the playhead being at a frame.
+    Lines linesOf(const EditorSession& session, std::int64_t frame = 86'450) {
+        script.editor.open(session);
+        script.editor.seek(frame);
+        return script.run(1);
+    }
+};
+
+TEST_P(BridgeScript, carriesOutEveryCommand) {
+    const std::string clip = "clip(1, 1):SetProperty";
+    const struct {
+        const char* line;
+        Lines calls;
+    } rows[] = {
+        {"PAGE|color", {R"(resolve:OpenPage("color"))"}},
+        {"PAGE", {}},
+        {"PAGE|", {}},
+        {"TC|01:00:02:00", {R"(timeline:SetCurrentTimecode("01:00:02:00"))"}},
+        {"LINK|0", {"timeline:SetClipsLinked(false)"}},
+        {"LINK|x", {"timeline:SetClipsLinked(true)"}},
+        {"LINK", {}},
+        {"MUTE|2|0", {R"(timeline:SetTrackEnable("audio", 2, false))"}},
+        {"MUTE|x|y", {R"(timeline:SetTrackEnable("audio", 1, true))"}},
+        {"MUTE|2", {}},
+        {"MUTE||2|0", {R"(timeline:SetTrackEnable("audio", 2, false))"}},
+        {"LOCK|2|1", {R"(timeline:SetTrackLock("audio", 2, true))"}},
+        {"LOCK|2|x", {R"(timeline:SetTrackLock("audio", 2, false))"}},
+        {"VOL|1|-6.50", {clip + R"(("AudioVolume", -6.5))"}},
+        {"VOL|1|loud", {clip + R"(("AudioVolume", 0))"}},
+        {"VOL|2|-6", {}},
+        {"VOL|77|-6", {}},
+        {"VOL|-1|-6", {}},
+        {"VOL|1|1e999", {clip + R"(("AudioVolume", 0))"}},
+        {"PAN|1|-33.3|and more", {clip + R"(("AudioPan", -33.3))"}},
+        {"VISO|1|1|80",
+         {"timeline:SetVoiceIsolationState(1, {amount = 80, isEnabled = true})",
+          clip + R"(("AudioVoiceIsolationEnabled", true))", clip + R"(("AudioVoiceIsolationAmount", 80))"}},
+        {"VISO|2|0|x", {"timeline:SetVoiceIsolationState(2, {amount = 65, isEnabled = false})"}},
+        {"DLEV|1|1|2.5",
+         {clip + R"(("AudioDialogueLevelerEnabled", true))",
+          clip + R"(("AudioDialogueLevelerOutputGain", 2.5))"}},
+        {"CDL|2|1.1|1.2|1.3|0.1|0.2|0.3|0.9|1.5",
+         {R"(video:SetCDL({NodeIndex = "2", Offset = "0.1000 0.2000 0.3000", Power = "0.9000 0.9000 0.9000", )"
+          R"(Saturation = "1.500", Slope = "1.1000 1.2000 1.3000"}))"}},
+        {"CDL",
+         {R"(video:SetCDL({NodeIndex = "1", Offset = "0.0000 0.0000 0.0000", Power = "1.0000 1.0000 1.0000", )"
+          R"(Saturation = "1.000", Slope = "1.0000 1.0000 1.0000"}))"}},
+        {"NEN|2|0", {"graph:SetNodeEnabled(2, false)"}},
+        {"NEN|x|1", {"graph:SetNodeEnabled(1, true)"}},
+        {"REFRESH", {}},
+        {"mute|2|0", {}},
+        {"os.exit(7)", {}},
+        {"PAGE|\"); os.exit(7) --", {R"(resolve:OpenPage("\"); os.exit(7) --"))"}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.line);
+        script.editor.open(ScriptRun::session());
+        script.editor.seek(86'450);
+        script.command(std::string(row.line) + "\n");
+        EXPECT_THAT(script.run(1), testing::SizeIs(testing::Ge(4U))) << "it goes on";
+        EXPECT_EQ(script.editor.calls(), row.calls);
+        EXPECT_FALSE(std::filesystem::exists(script.commandFile));
+    }
+}
+
+TEST_P(BridgeScript, needsATimelineForMostCommands) {
+    auto session = ScriptRun::session();
+    session.timeline.reset();
+    for (const bool hasProject : {true, false}) {
+        session.hasProject = hasProject;
+        script.editor.open(session);
+        script.command(
+            "TC|01:00:00:00\nLINK|0\nMUTE|1|0\nVOL|1|0\nVISO|1|1|1\nCDL\nNEN|1|1\nREFRESH\nPAGE|color\n");
+        EXPECT_EQ(script.run(3), Lines{});
+        EXPECT_EQ(script.editor.calls(), Lines{R"(resolve:OpenPage("color"))"});
+    }
+}
+
+TEST_P(BridgeScript, aimsAtTheNearestClipBetweenTwo) {
+    for (const auto& [frame, clip] : {std::pair{86'450, 1},
+                                      {86'499, 1},
+                                      {86'500, 1},
+                                      {86'549, 1},
+                                      {86'550, 1},
+                                      {86'551, 2},
+                                      {86'600, 2},
+                                      {90'000, 2},
+                                      {0, 1}}) {
+        script.editor.open(ScriptRun::session());
+        script.editor.seek(frame);
+        script.command("VOL|1|-1\n");
+        script.run(1);
+        EXPECT_EQ(script.editor.calls(),
+                  Lines{"clip(1, " + std::to_string(clip) + R"():SetProperty("AudioVolume", -1))"})
+            << frame;
+    }
+}
+
+TEST_P(BridgeScript, tellsOfTheTimelineAndItsTracks) {
+    EXPECT_THAT(
+        script.run(1),
+        ElementsAre(
+            "OXTC|01:00:02:02|24|RESOLVE 19.1|Reel 1|edit|1|86450", "OXHDR|2|1|Shot 12|3",
+            "OXTRK|1|2|Dialogue|Take 1|STEREO|1|0|0.00|0.0|0|65|0|0.0|1|1_86400|86400|12|/media/take 1.wav",
+            "OXTRK|2|2|Music|Empty|STEREO|1|0|0.00|0.0|0|65|0|0.0|0||0|0|"));
+    EXPECT_EQ(linesOf(ScriptRun::session(), 86'550)[2],
+              "OXTRK|1|2|Dialogue|[Take 1]|STEREO|1|0|0.00|0.0|0|65|0|0.0|0||0|0|");
+
+    auto odd = ScriptRun::session();
+    odd.version = "beta";
+    odd.timeline = "A|B\nC";
+    odd.rate = "29.97 DF";
+    odd.page = "color";
+    odd.videoClip.reset();
+    odd.tracks = {
+        {.name = "",
+         .clips = {{.name = "Fade", .start = 0, .finish = 1'000'000, .kind = "Transition"},
+                   {.name = "Title",
+                    .start = 0,
+                    .finish = 1'000'000,
+                    .path = std::nullopt,
+                    .volumeDB = std::nullopt},
+                   {.name = "A|B", .start = 0, .finish = 1'000'000, .path = "/a|b.wav", .volumeDB = -3.25}},
+         .subtype = "5.1|film",
+         .isEnabled = false,
+         .isLocked = true}};
+    EXPECT_THAT(
+        linesOf(odd, 108'002),
+        ElementsAre("OXTC|01:00:00;02|29.97 DF|RESOLVE 20|A/B C|color|1|108002", "OXHDR|1|1|Timeline Clip|1",
+                    "OXTRK|1|1|Audio 1|A/B|5.1FILM|0|1|-3.25|0.0|0|65|0|0.0|1|1_0|0|0|/ab.wav"));
+}
+
+TEST_P(BridgeScript, countsFramesAtEveryRate) {
+    for (const auto& [rate, report] :
+         {std::pair{"23.976", "01:00:00:00|23.976|RESOLVE 19.1|Reel 1|edit|1|86400"},
+          {"60", "00:24:00:00|60|RESOLVE 19.1|Reel 1|edit|1|86400"},
+          {"59.94 DF", "00:24:00;00|59.94 DF|RESOLVE 19.1|Reel 1|edit|1|86400"},
+          {"29.97", "00:48:00:00|29.97|RESOLVE 19.1|Reel 1|edit|1|86400"}}) {
+        auto session = ScriptRun::session();
+        session.rate = rate;
+        EXPECT_EQ(linesOf(session, 86'400)[0], std::string("OXTC|") + report);
+    }
+}
+
+TEST_P(BridgeScript, printsOnlyWhatHasChanged) {
+    EXPECT_EQ(script.run(100).size(), 4U);
+    script.command("MUTE|2|0\n");
+    EXPECT_THAT(script.run(40), ElementsAre(StartsWith("OXTC|"), StartsWith("OXHDR|"), StartsWith("OXTRK|1"),
+                                            StartsWith("OXTRK|2|2|Music|Empty|STEREO|0|")));
+}
+
+TEST_P(BridgeScript, goesOnWithoutWhatAnOlderEditorLacksOrFailsAt) {
+    const char* const functions[] = {"GetVersionString",
+                                     "GetVoiceIsolationState",
+                                     "SetVoiceIsolationState",
+                                     "GetTrackSubType",
+                                     "GetSourceStartFrame",
+                                     "GetNodeGraph",
+                                     "GetNumNodes",
+                                     "GetProperty",
+                                     "GetMediaPoolItem",
+                                     "GetClipProperty",
+                                     "SetProperty",
+                                     "GetCurrentPage",
+                                     "GetSetting",
+                                     "GetType",
+                                     "GetIsTrackLocked",
+                                     "GetTrackName",
+                                     "GetItemListInTrack",
+                                     "GetCurrentVideoItem",
+                                     "SetNodeEnabled",
+                                     "OpenPage",
+                                     "SetClipsLinked",
+                                     "GetStart",
+                                     "GetEnd",
+                                     "GetName"};
+    for (const std::string function : functions) {
+        for (const bool fails : {false, true}) {
+            SCOPED_TRACE(function + (fails ? " fails" : " is missing"));
+            auto session = ScriptRun::session();
+            (fails ? session.failing : session.missing).insert(function);
+            script.command("VOL|1|-6\nVISO|1|1|80\nLINK|0\nNEN|1|1\nPAGE|color\nMUTE|2|0\n");
+            const auto lines = linesOf(session);
+            ASSERT_EQ(lines.size(), 4U);
+            EXPECT_THAT(lines[1], StartsWith("OXHDR|2|0|"));
+            EXPECT_THAT(script.editor.calls(),
+                        testing::Contains(R"(timeline:SetTrackEnable("audio", 2, false))"));
+        }
+    }
+    auto session = ScriptRun::session();
+    session.failing = {"GetCurrentTimecode"};
+    EXPECT_THAT(linesOf(session), ElementsAre(StartsWith("OXHDR|"), StartsWith("OXTRK|1|2|Dialogue|[Take 1]"),
+                                              StartsWith("OXTRK|2")));
+}
+
+TEST_P(BridgeScript, endsWithoutAnEditor) {
+    script.editor.quit();
+    EXPECT_EQ(script.run(50), Lines{});
+}
+
+TEST_P(BridgeScript, findsTheCommandsThatWaitedForIt) {
+    script.command("MUTE|2|0\n");
+    script.command("LOCK|2|1\n");
+    script.run(1);
+    script.command("MUTE|2|1\n");
+    const auto lines = script.run(1);
+    EXPECT_EQ(script.editor.calls(), (Lines{R"(timeline:SetTrackEnable("audio", 2, false))",
+                                            R"(timeline:SetTrackLock("audio", 2, true))",
+                                            R"(timeline:SetTrackEnable("audio", 2, true))"}));
+    EXPECT_THAT(lines.back(), StartsWith("OXTRK|2|2|Music|Empty|STEREO|1|1|"))
+        << "what was done before still holds";
+}
+
+TEST_P(BridgeScript, leavesNoGlobalBehind) {
+    script.command("VOL|1|-6\nVISO|1|1|80\nCDL\nNEN|1|1\nPAGE|color\nREFRESH\n");
+    const auto lines =
+        script.run(40,
+                   "setmetatable(_G, {__newindex = function(_, name) print('GLOBAL ' .. name) end, "
+                   "__index = function(_, name) print('UNKNOWN ' .. name) end})\n");
+    EXPECT_THAT(lines,
+                testing::Each(testing::Not(testing::AnyOf(StartsWith("GLOBAL"), StartsWith("UNKNOWN")))));
+    EXPECT_FALSE(lines.empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(OnBothKindsOfLua, BridgeScript, testing::ValuesIn(scriptHosts()),
+                         [](const auto& host) {
+                             return std::filesystem::path(host.param).filename().string();
+                         });
+
+}  // namespace
+}  // namespace orbinex::test
