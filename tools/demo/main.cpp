@@ -57,15 +57,24 @@ void tellTheStory(EventLoop& loop, Report& report, const Options& options) {
     openTheDesktop(loop, report, desktop, screen);
 
     report.chapter("The program starts");
-    Program program(loop, report, desktop.display());
+    EditorFolder editor(desktop.place("editor"));
+    // The scripting host, a child of this program, finds the editor by it.
+    qputenv("ORBINEX_EDITOR_FOLDER", QByteArray::fromStdString(editor.path().string()));
+    const auto host = QCoreApplication::applicationDirPath() + QStringLiteral("/fuscript");
+    Program program(loop, report,
+                    {.display = desktop.display(),
+                     .scriptHost = host.toStdString(),
+                     .commandFile = desktop.place("commands.txt"),
+                     .soundServer = desktop.soundServer()});
     PhoneUser user(loop, program.phone(), options.isNested ? watchedPace : touchPace);
-    Stage stage{loop, report, desktop, screen, selections, program, user};
+    Stage stage{loop, report, desktop, screen, selections, program, user, editor};
     meetThePhone(stage);
     moveAndClick(stage);
     typeTheLetter(stage);
     selectAndCopy(stage);
     loseTheLinkInADrag(stage);
     scrollThroughTheLetter(stage);
+    controlTheEditor(stage);
 
     const bool isTaken = desktop.takePicture(options.picture.string());
     report.step("picture of the desktop", "taken", isTaken ? "taken" : "not taken");

@@ -3,10 +3,17 @@
 #include <algorithm>
 #include <string>
 
+#include "protocol/daw_command.h"
+
 namespace orbinex::demo {
 
 void PhoneUser::send(const DecodedPacket& packet) {
     phone_.send(packet);
+    loop_.linger(pace_);
+}
+
+void PhoneUser::control(std::string_view command) {
+    if (const auto decoded = DAWCommand::decode(command)) phone_.send(*decoded);
     loop_.linger(pace_);
 }
 

@@ -19,6 +19,7 @@ inline constexpr std::uint16_t v = 9;
 inline constexpr std::uint16_t b = 11;
 inline constexpr std::uint16_t g = 5;
 inline constexpr std::uint16_t k = 40;
+inline constexpr std::uint16_t l = 37;
 inline constexpr std::uint16_t returnKey = 36;
 inline constexpr std::uint16_t tab = 48;
 inline constexpr std::uint16_t deleteBackward = 51;
@@ -52,6 +53,8 @@ class PhoneUser {
     void keyDown(std::uint16_t keycode, ModifierFlags modifiers = {});
     void keyUp(std::uint16_t keycode, ModifierFlags modifiers = {});
     void strike(std::uint16_t keycode, ModifierFlags modifiers = {});
+    /// What the phone's mixer, colour and transport panels send.
+    void control(std::string_view command);
 
   private:
     void change(MouseButton button, KeyState state);

@@ -1,5 +1,6 @@
 #include "private_desktop.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <array>
@@ -127,6 +128,43 @@ void PrivateDesktop::startEditor() {
     const QStringList arguments{QStringLiteral("--disable-server"), letter.fileName()};
     editor_ = std::make_unique<ChildProcess>(QStringLiteral("mousepad"), arguments, environment_,
                                              path("editor.log"));
+}
+
+void PrivateDesktop::startSoundServer() {
+    const QString protocol =
+        QStringLiteral("module-native-protocol-unix auth-anonymous=1 auth-cookie-enabled=0 socket=") +
+        path("sound");
+    const QStringList arguments{QStringLiteral("-n"),
+                                QStringLiteral("--daemonize=no"),
+                                QStringLiteral("--exit-idle-time=-1"),
+                                QStringLiteral("-L"),
+                                QStringLiteral("module-null-sink sink_name=output"),
+                                QStringLiteral("-L"),
+                                protocol};
+    soundServer_ = std::make_unique<ChildProcess>(QStringLiteral("pulseaudio"), arguments, environment_,
+                                                  path("sound.log"));
+    environment_.insert(QStringLiteral("PULSE_SERVER"), QString::fromStdString(soundServer()));
+}
+
+std::string PrivateDesktop::soundServer() const {
+    return "unix:" + path("sound").toStdString();
+}
+
+std::string PrivateDesktop::outputVolume() {
+    QFile::remove(path("commands.log"));
+    if (!run("pactl", {QStringLiteral("get-sink-volume"), QStringLiteral("output")})) return {};
+    QFile log(path("commands.log"));
+    if (!log.open(QIODevice::ReadOnly)) return {};
+    const QByteArray text = log.readAll();
+    const auto end = text.indexOf('%');
+    return end < 0 ? std::string() : text.left(end).split(' ').last().toStdString();
+}
+
+void PrivateDesktop::startEditingApplication(const std::string& folder, double fps) {
+    const QString program = QCoreApplication::applicationDirPath() + QStringLiteral("/editor_window");
+    const QStringList arguments{QString::fromStdString(folder), QString::number(fps)};
+    editingApplication_ =
+        std::make_unique<ChildProcess>(program, arguments, environment_, path("editing.log"));
 }
 
 bool PrivateDesktop::run(const char* program, const QStringList& arguments) {

@@ -27,12 +27,24 @@ class PrivateDesktop {
     /// These return at once; what they start is seen on the screen later.
     void startWindowManager();
     void startEditor();
+    /// A sound server with one output, that plays to nobody.
+    void startSoundServer();
+    /// The window of a stand-in for an editing application, whose state lies in that folder.
+    void startEditingApplication(const std::string& folder, double fps);
+    void quitEditingApplication() { editingApplication_.reset(); }
 
     /// Sets the keyboard's layout and variant, in words of the X keyboard extension; false when that fails.
     bool setKeyboardLayout(const char* layout, const char* variant);
     bool setBackground(const char* colour);
     /// Writes what the screen shows to a PNG file.
     bool takePicture(const std::string& file);
+
+    /// The address of the sound server.
+    [[nodiscard]] std::string soundServer() const;
+    /// The volume of its output in percent, as its own tool tells it; empty when it does not.
+    [[nodiscard]] std::string outputVolume();
+    /// A place in the folder of this desktop.
+    [[nodiscard]] std::string place(const char* name) const { return path(name).toStdString(); }
 
     /// What the editor has saved, empty before.
     [[nodiscard]] std::string savedText() const;
@@ -50,6 +62,8 @@ class PrivateDesktop {
     std::string display_;
     std::unique_ptr<ChildProcess> windowManager_;
     std::unique_ptr<ChildProcess> editor_;
+    std::unique_ptr<ChildProcess> soundServer_;
+    std::unique_ptr<ChildProcess> editingApplication_;
 };
 
 }  // namespace orbinex::demo

@@ -18,15 +18,16 @@ std::unique_ptr<X11Connection> Program::connect(const std::string& display) {
     return connection;
 }
 
-Program::Program(EventLoop& loop, Report& report, const std::string& display)
+Program::Program(EventLoop& loop, Report& report, const LinuxEditorBridge::Places& places)
     : phone_(radio_.addPhone(UUID::random(), phoneInfo)),
-      connection_(connect(display)),
+      connection_(connect(places.display)),
       displayEvents_(connection_->fd(),
                      [this, &loop] {
                          connection_->processEvents();
                          if (!connection_->isAlive()) loop.end({"the display has gone"});
                      }),
-      coordinator_(preferences_, {queue_, defaults_, radio_, wake_, poster_, layouts_, bridge_,
+      editors_(queue_, places),
+      coordinator_(preferences_, {queue_, defaults_, radio_, wake_, poster_, layouts_, editors_.daemon(),
                                   [] { return std::string(computerName); }}) {
     phone_.setAdvertising(false);
     report.says(*link().statusMessage);

@@ -6,8 +6,8 @@
 
 #include "app/app_coordinator.h"
 #include "app/linux/fd_watch.h"
+#include "app/linux/linux_editor_bridge.h"
 #include "app/linux/qt_main_queue.h"
-#include "sim/idle_editor_bridge.h"
 #include "event_loop.h"
 #include "input/x11/x11_connection.h"
 #include "input/x11/x11_event_poster.h"
@@ -19,14 +19,15 @@
 namespace orbinex::demo {
 
 /// The program as it is put together for real, but for the radio, which is simulated, and the settings, which
-/// are kept in memory. It works on the given display.
+/// are kept in memory. It works on the given display, and with the scripting host and sound server given.
 class Program {
   public:
     /// Throws Ended when the display cannot be used. When the display goes away, the loop is told to end.
-    Program(EventLoop& loop, Report& report, const std::string& display);
+    Program(EventLoop& loop, Report& report, const LinuxEditorBridge::Places& places);
 
     /// The phone, switched off at first.
     SimulatedPhone& phone() { return phone_; }
+    AppWatcherDaemon& bridge() { return editors_.daemon(); }
     CentralBLEManager& link() { return coordinator_.centralManager; }
     TrustedDeviceStore& trustStore() { return coordinator_.trustStore; }
     /// True when the program knows a key of the desktop's keyboard for this character.
@@ -48,7 +49,7 @@ class Program {
     X11EventPoster poster_{*connection_, queue_};
     X11KeyboardLayoutSource layouts_{*connection_, queue_};
     FdWatch displayEvents_;
-    IdleEditorBridge bridge_;
+    LinuxEditorBridge editors_;
     AppPreferences preferences_{defaults_};
     AppCoordinator coordinator_;
     Subscription statusLines_;

@@ -75,6 +75,7 @@ void openTheDesktop(EventLoop& loop, Report& report, PrivateDesktop& desktop, co
     // Its option key gives further characters, as on the phone's own keyboard.
     const bool isLayoutSet = desktop.setKeyboardLayout("us", "mac");
     report.step("keyboard layout", "us(mac)", isLayoutSet ? "us(mac)" : "not set");
+    desktop.startSoundServer();
     desktop.startWindowManager();
     step("window manager", "runs", [&] { return screen.hasWindowManager(); });
     desktop.startEditor();

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "editor_folder.h"
 #include "event_loop.h"
 #include "phone_user.h"
 #include "private_desktop.h"
@@ -38,6 +39,8 @@ struct Stage {
     SelectionProbe& selections;
     Program& program;
     PhoneUser& user;
+    /// The stand-in for an editing application.
+    EditorFolder& editor;
 
     /// What the letter in the editor must say.
     std::string letter = {};
@@ -65,5 +68,6 @@ void typeTheLetter(Stage& stage);
 void selectAndCopy(Stage& stage);
 void loseTheLinkInADrag(Stage& stage);
 void scrollThroughTheLetter(Stage& stage);
+void controlTheEditor(Stage& stage);
 
 }  // namespace orbinex::demo
