@@ -10,6 +10,7 @@
 #include <functional>
 
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 #include "app/app_coordinator.h"
 #include "app/linux/qt_main_queue.h"
@@ -232,6 +233,28 @@ TEST_F(EditorSessionTest, survivesTheEndOfTheEditorAndOfItsHost) {
         waitFor([&] { return editor.calls() == Lines{R"(timeline:SetTrackLock("audio", 1, true))"}; }));
     EXPECT_TRUE(waitFor([&] { return lastTrack(1) && lastTrack(1)->isLocked; }));
     EXPECT_TRUE(waitFor([&] { return lastTrack(2) && !lastTrack(2)->isMuted; })) << "another editor now";
+}
+
+/// The one that runs the script.
+pid_t childProcess() {
+    const auto number = std::to_string(::getpid());
+    std::ifstream children("/proc/self/task/" + number + "/children");
+    pid_t child = 0;
+    return children >> child ? child : 0;
+}
+
+TEST_F(EditorSessionTest, startsAHostAgainThatWasKilled) {
+    const pid_t killed = childProcess();
+    ASSERT_GT(killed, 0);
+    ::kill(killed, SIGKILL);
+    EXPECT_TRUE(waitFor([&] { return !bridge.isBridgeRunning(); }));
+    send("MUTE|2|1");
+    send("ARM|1|1");
+    EXPECT_TRUE(waitFor([&] {
+        return editor.calls() == Lines{R"(timeline:SetTrackEnable("audio", 2, false))",
+                                       R"(timeline:SetTrackLock("audio", 1, true))"};
+    }));
+    EXPECT_NE(childProcess(), killed);
 }
 
 }  // namespace

@@ -75,9 +75,9 @@ void tellTheStory(EventLoop& loop, Report& report, const Options& options) {
     loseTheLinkInADrag(stage);
     scrollThroughTheLetter(stage);
     controlTheEditor(stage);
-
     const bool isTaken = desktop.takePicture(options.picture.string());
     report.step("picture of the desktop", "taken", isTaken ? "taken" : "not taken");
+    restartTheEditor(stage);
     if (options.isNested) loop.linger(farewell);
 }
 

@@ -69,5 +69,6 @@ void selectAndCopy(Stage& stage);
 void loseTheLinkInADrag(Stage& stage);
 void scrollThroughTheLetter(Stage& stage);
 void controlTheEditor(Stage& stage);
+void restartTheEditor(Stage& stage);
 
 }  // namespace orbinex::demo

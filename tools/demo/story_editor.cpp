@@ -181,7 +181,20 @@ void moveTheMaster(Stage& stage) {
                  [&] { return track(stage, 0) ? formatFixed(track(stage, 0)->volumeDB, 1) : "none"; });
 }
 
-void quitAndComeBack(Stage& stage) {
+}  // namespace
+
+void controlTheEditor(Stage& stage) {
+    stage.report.chapter("An editor comes to the front");
+    openTheEditor(stage);
+    stage.report.chapter("The phone plays it");
+    playAndStep(stage);
+    stage.report.chapter("The phone is its mixer and its colour panel");
+    useThePanels(stage);
+    moveTheMaster(stage);
+}
+
+void restartTheEditor(Stage& stage) {
+    stage.report.chapter("The editor quits, and comes back");
     stage.editor.quit();
     stage.desktop.quitEditingApplication();
     stage.expectThat("the editor quits: its script", "has ended",
@@ -193,20 +206,6 @@ void quitAndComeBack(Stage& stage) {
     stage.expect("it is back, and so is what waited for it", R"(timeline:SetTrackEnable("audio", 1, false))",
                  [&] { return joined(stage.editor.calls()); });
     stage.expect("the transport again", "01:00:02:00, 0X", [&] { return transport(stage); });
-}
-
-}  // namespace
-
-void controlTheEditor(Stage& stage) {
-    stage.report.chapter("An editor comes to the front");
-    openTheEditor(stage);
-    stage.report.chapter("The phone plays it");
-    playAndStep(stage);
-    stage.report.chapter("The phone is its mixer and its colour panel");
-    useThePanels(stage);
-    moveTheMaster(stage);
-    stage.report.chapter("The editor quits, and comes back");
-    quitAndComeBack(stage);
 }
 
 }  // namespace orbinex::demo
