@@ -23,6 +23,8 @@ constexpr auto patience = 100s;
 constexpr std::chrono::milliseconds touchPace{4};
 constexpr std::chrono::milliseconds watchedPace{16};
 constexpr auto farewell = 5s;
+/// In which every window has shown what it was last told.
+constexpr auto drawingTime = 300ms;
 
 constexpr const char* usage = R"(usage: orbinex_demo [--nested] [--out FILE]
   --nested     in a window on your own display, slowly enough to watch; leave the pointer out of that window
@@ -75,6 +77,7 @@ void tellTheStory(EventLoop& loop, Report& report, const Options& options) {
     loseTheLinkInADrag(stage);
     scrollThroughTheLetter(stage);
     controlTheEditor(stage);
+    loop.linger(drawingTime);
     const bool isTaken = desktop.takePicture(options.picture.string());
     report.step("picture of the desktop", "taken", isTaken ? "taken" : "not taken");
     restartTheEditor(stage);
