@@ -3,12 +3,11 @@
 #include <array>
 #include <cstdio>
 #include <cstring>
-#include <map>
 #include <string>
 
 #include <benchmark/benchmark.h>
-#include <unistd.h>
 
+#include "median_reporter.h"
 #include "protocol/control_message.h"
 #include "protocol/daw_command.h"
 #include "protocol/input_packet.h"
@@ -106,22 +105,6 @@ void addAll() {
     addEncoder<DAWTrackState>("encode track", session.tracks.front(), encodeTrack);
     addEncoder<DAWMeterPacket>("encode full meter", fullMeter(), encodeMeter);
 }
-
-/// Prints the table and keeps the medians.
-class MedianReporter final : public benchmark::ConsoleReporter {
-  public:
-    MedianReporter() : ConsoleReporter(::isatty(STDOUT_FILENO) != 0 ? OO_Color : OO_None) {}
-
-    std::map<std::string, double> medians;
-
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs) {
-            if (run.aggregate_name == "median")
-                medians[run.run_name.function_name] = run.GetAdjustedCPUTime();
-        }
-        ConsoleReporter::ReportRuns(runs);
-    }
-};
 
 }  // namespace
 }  // namespace orbinex

@@ -3,17 +3,16 @@
 
 #include <array>
 #include <cstdio>
-#include <map>
 #include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include <benchmark/benchmark.h>
-#include <unistd.h>
 
 #include "editor_bridge/app_watcher_daemon.h"
 #include "editor_bridge/editor_identity.h"
+#include "median_reporter.h"
 #include "sim/recording_command_file.h"
 #include "sim/simulated_script_host.h"
 #include "sim/simulated_system_volume.h"
@@ -102,22 +101,6 @@ void unchangedTimecode(benchmark::State& state) {
     if (session.telemetries != before) state.SkipWithError("it is told again");
     state.SetItemsProcessed(state.iterations());
 }
-
-/// Prints the table and keeps the medians.
-class MedianReporter final : public benchmark::ConsoleReporter {
-  public:
-    MedianReporter() : ConsoleReporter(::isatty(STDOUT_FILENO) != 0 ? OO_Color : OO_None) {}
-
-    std::map<std::string, double> medians;
-
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs) {
-            if (run.aggregate_name == "median")
-                medians[run.run_name.function_name] = run.GetAdjustedCPUTime();
-        }
-        ConsoleReporter::ReportRuns(runs);
-    }
-};
 
 }  // namespace
 }  // namespace orbinex
