@@ -117,6 +117,7 @@ end
 local function framesOf(timecode)
   local h, m, s, f = timecode:match("^(%d+)[:;](%d+)[:;](%d+)[:;](%d+)$")
   if not h then return nil end
+  -- A drop-frame rate carries " DF" behind the number.
   local frames = math.floor(number(rate:match("^%s*([%d.]+)"), 24) + 0.5)
   if frames < 1 then frames = 24 end
   return ((h * 60 + m) * 60 + s) * frames + f
@@ -284,7 +285,8 @@ local function trackLine(track, count)
   local function flag(value) return value and 1 or 0 end
   return string.format("OXTRK|%d|%d|%s|%s|%s|%d|%d|%.2f|%.1f|%d|%d|%d|%.1f|%d|%s|%d|%d|%s", track, count,
     field(call(timeline, "GetTrackName", "audio", track), "Audio " .. track), line.clipName, format,
-    flag(call(timeline, "GetIsTrackEnabled", "audio", track)), flag(call(timeline, "GetIsTrackLocked", "audio", track)),
+    -- A track that cannot be asked is not shown as muted.
+    flag(call(timeline, "GetIsTrackEnabled", "audio", track) ~= false), flag(call(timeline, "GetIsTrackLocked", "audio", track)),
     line.volume, line.pan, flag(line.isIsolated), math.floor(line.isolation + 0.5), flag(line.isLeveled), line.gain,
     flag(isActive), line.clipUID, line.clipStart, line.sourceStart, line.path)
 end

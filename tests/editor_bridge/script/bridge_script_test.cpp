@@ -205,6 +205,9 @@ TEST_P(BridgeScript, goesOnWithoutWhatAnOlderEditorLacksOrFailsAt) {
         }
     }
     auto session = ScriptRun::session();
+    session.missing = {"GetIsTrackEnabled"};
+    EXPECT_THAT(linesOf(session)[3], StartsWith("OXTRK|2|2|Music|Empty|STEREO|1|")) << "not shown as muted";
+    session.missing.clear();
     session.failing = {"GetCurrentTimecode"};
     EXPECT_THAT(linesOf(session), ElementsAre(StartsWith("OXHDR|"), StartsWith("OXTRK|1|2|Dialogue|[Take 1]"),
                                               StartsWith("OXTRK|2")));
