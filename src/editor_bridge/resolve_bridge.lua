@@ -300,7 +300,8 @@ local function dumpTracks()
   local item = videoItem()
   local clip = field(call(item, "GetName"), "Timeline Clip")
   local nodes = whole(call(call(item, "GetNodeGraph"), "GetNumNodes"), 1)
-  local dump = count .. ";" .. table.concat(lines, ";") .. ";CLR:" .. clip .. ":" .. nodes
+  -- With whether clips are linked, which only the header tells: an older header may just have told otherwise.
+  local dump = count .. ";" .. clipsLinked .. ";" .. table.concat(lines, ";") .. ";CLR:" .. clip .. ":" .. nodes
   if dump == lastDump then return end
   lastDump = dump
   printLine("OXHDR|%d|%d|%s|%d", count, clipsLinked, clip, nodes)

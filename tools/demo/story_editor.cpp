@@ -21,6 +21,8 @@ constexpr std::int64_t start = 86'400;
 /// What its window is filled with.
 constexpr std::uint32_t windowColour = 0x20242c;
 constexpr auto windowLimit = 6s;
+/// As a person steps: each step is reported before the next.
+constexpr auto stepPace = 150ms;
 constexpr std::int64_t beginning = start + 2 * 24;
 
 EditorSession session() {
@@ -118,9 +120,10 @@ void playAndStep(Stage& stage) {
     stage.user.strike(Key::k);
     stage.expect("K pauses", "0X", [&] { return telemetry(stage).playbackSpeed; });
     const auto pausedAt = stage.editor.frame(fps);
-    stage.user.strike(Key::right);
-    stage.user.strike(Key::right);
-    stage.user.strike(Key::left);
+    for (const auto key : {Key::right, Key::right, Key::left}) {
+        stage.user.strike(key);
+        stage.loop.linger(stepPace);
+    }
     stage.expect("two steps forward, one back", std::to_string(pausedAt + 1),
                  [&] { return std::to_string(stage.editor.frame(fps)); });
     stage.expect("where the bridge takes the playhead to be", std::to_string(pausedAt + 1),
