@@ -119,6 +119,7 @@ void playAndStep(Stage& stage) {
     });
     stage.user.strike(Key::k);
     stage.expect("K pauses", "0X", [&] { return telemetry(stage).playbackSpeed; });
+    stage.expectThat("the editor itself", "stands", [&] { return stage.editor.speed() == 0; });
     const auto pausedAt = stage.editor.frame(fps);
     for (const auto key : {Key::right, Key::right, Key::left}) {
         stage.user.strike(key);

@@ -106,12 +106,19 @@ void EditorFolder::play(std::int64_t frame, double speed) {
     write("transport", text.str());
 }
 
-std::int64_t EditorFolder::frame(double fps) const {
+EditorFolder::Transport EditorFolder::transport() const {
     std::ifstream file(folder_ / "transport");
-    std::int64_t frame = 0;
-    double speed = 0;
-    std::int64_t anchor = 0;
-    if (!(file >> frame >> speed >> anchor)) return 0;
+    Transport transport;
+    const bool isRead = static_cast<bool>(file >> transport.frame >> transport.speed >> transport.anchor);
+    return isRead ? transport : Transport();
+}
+
+double EditorFolder::speed() const {
+    return transport().speed;
+}
+
+std::int64_t EditorFolder::frame(double fps) const {
+    const auto [frame, speed, anchor] = transport();
     const double elapsed = static_cast<double>(nanosecondsNow() - anchor) / 1e9;
     return std::max<std::int64_t>(0, frame + static_cast<std::int64_t>(std::floor(elapsed * fps * speed)));
 }

@@ -69,6 +69,8 @@ class EditorFolder {
     void play(std::int64_t frame, double speed);
     /// Where it is now, at this rate in frames a second.
     [[nodiscard]] std::int64_t frame(double fps) const;
+    /// 0 while it stands.
+    [[nodiscard]] double speed() const;
 
     /// What has been done to the editor, a line for each call that changes something, such as
     /// timeline:SetTrackEnable("audio", 2, false).
@@ -77,6 +79,13 @@ class EditorFolder {
     void forgetCalls();
 
   private:
+    struct Transport {
+        std::int64_t frame = 0;
+        double speed = 0;
+        /// When it was at that frame, in ns of the monotonic clock.
+        std::int64_t anchor = 0;
+    };
+    [[nodiscard]] Transport transport() const;
     void write(const char* name, const std::string& content) const;
 
     std::filesystem::path folder_;
