@@ -10,6 +10,8 @@ local POLL_SECONDS = 0.033
 local LOOK_AGAIN = 15
 local DUMP_AGAIN = 18
 local LONGEST_COMMANDS = 1024 * 1024
+-- Editors have fewer; a larger count is a mistake, and the rest goes untold.
+local MOST_TRACKS = 2000
 local takenPath = cmdPath .. ".taken"
 
 -- Values from outside
@@ -27,9 +29,39 @@ local function whole(value, default)
   return value < 0 and math.ceil(value) or math.floor(value)
 end
 
+-- What UTF-8 allows beyond ASCII.
+local SEQUENCES = {
+  "^[\194-\223][\128-\191]",
+  "^\224[\160-\191][\128-\191]",
+  "^[\225-\236\238\239][\128-\191][\128-\191]",
+  "^\237[\128-\159][\128-\191]",
+  "^\240[\144-\191][\128-\191][\128-\191]",
+  "^[\241-\243][\128-\191][\128-\191][\128-\191]",
+  "^\244[\128-\143][\128-\191][\128-\191]",
+}
+
+local function sequenceAt(bytes, i)
+  for _, pattern in ipairs(SEQUENCES) do
+    local sequence = bytes:match(pattern, i)
+    if sequence then return sequence end
+  end
+  return nil
+end
+
+-- Each byte that is no text becomes a question mark: the reader throws away all that comes together with it.
+local function repaired(bytes)
+  local parts, i = {}, 1
+  while i <= #bytes do
+    local sequence = sequenceAt(bytes, i)
+    parts[#parts + 1] = sequence or "?"
+    i = i + (sequence and #sequence or 1)
+  end
+  return table.concat(parts)
+end
+
 local function text(value, default)
   if type(value) ~= "string" or value == "" then return default end
-  return (value:gsub("[\r\n%z]", " "))
+  return (value:gsub("[\r\n%z]", " "):gsub("[\128-\255]+", repaired))
 end
 
 local function field(value, default)
@@ -40,19 +72,17 @@ local function isOn(value)
   return value == true or value == 1
 end
 
--- Calls a method of one of the editor's objects. Nothing when there is no such object or method, or when it fails.
-local function call(object, method, ...)
-  local arguments, count = { ... }, select("#", ...)
-  local isDone, result = pcall(function()
-    return object[method](object, unpack(arguments, 1, count))
-  end)
-  if isDone then return result end
-  return nil
+local function member(object, name)
+  return object[name]
 end
 
-local function offers(object, method)
-  local isDone, member = pcall(function() return object[method] end)
-  return isDone and member ~= nil
+-- Calls a method of one of the editor's objects. Nothing when there is no such object or method, or when it fails.
+local function call(object, method, ...)
+  local isThere, run = pcall(member, object, method)
+  if not isThere or run == nil then return nil end
+  local isDone, result = pcall(run, object, ...)
+  if isDone then return result end
+  return nil
 end
 
 local function versionLabel()
@@ -64,7 +94,7 @@ end
 -- What is known of the editor
 
 local label = versionLabel()
-local project, timeline
+local timeline
 local rate, timelineName, page = "24", "Timeline", "edit"
 local clipsLinked = 1
 local mustDump = true
@@ -75,11 +105,11 @@ local function isPlayable(item)
   if item == nil then return false end
   local kind = call(item, "GetType")
   if type(kind) == "string" and kind:lower() == "transition" then return false end
-  return call(item, "GetMediaPoolItem") ~= nil or type(call(item, "GetProperty", "AudioVolume")) == "number"
+  return call(item, "GetMediaPoolItem") or type(call(item, "GetProperty", "AudioVolume")) == "number"
 end
 
 local function trackCount()
-  return math.max(whole(call(timeline, "GetTrackCount", "audio"), 0), 0)
+  return math.min(math.max(whole(call(timeline, "GetTrackCount", "audio"), 0), 0), MOST_TRACKS)
 end
 
 local function findClips()
@@ -120,25 +150,25 @@ local function framesOf(timecode)
   -- A drop-frame rate carries " DF" behind the number.
   local frames = math.floor(number(rate:match("^%s*([%d.]+)"), 24) + 0.5)
   if frames < 1 then frames = 24 end
-  return ((h * 60 + m) * 60 + s) * frames + f
-end
-
-local function currentTimecode()
-  return text(call(timeline, "GetCurrentTimecode"))
+  return number(((h * 60 + m) * 60 + s) * frames + f)
 end
 
 local timecode, playhead = "", nil
 
-local function readPlayhead()
-  timecode = currentTimecode() or timecode
+-- If the editor tells no timecode, the given one holds.
+local function readPlayhead(default)
+  timecode = field(call(timeline, "GetCurrentTimecode"), default)
   playhead = framesOf(timecode)
+end
+
+local function readPage(default)
+  page = field(call(resolve, "GetCurrentPage"), default)
 end
 
 -- Commands
 
--- The arguments of a command: its fields after the operation.
 local function flagAt(fields, i, default)
-  return whole(fields[i], default) ~= 0
+  return number(fields[i], default) ~= 0
 end
 
 local function trackAt(fields)
@@ -220,31 +250,31 @@ local function runCommand(line)
 end
 
 -- Takes the commands that wait. The file lies where everybody may put something: only what can be opened for writing and has an
--- end is read, which a folder and a pipe have not, and no more than commands can reasonably be. It is renamed before it is read:
--- a line that is added meanwhile is either read here, or its writer sees that the file has gone and writes it again. Commands are
--- absolute, so that twice does no harm.
+-- end is read, which a folder and a pipe have not. Of more than can reasonably be commands, none is carried out. It is renamed
+-- before it is read: a line that is added meanwhile is either read here, or its writer sees that the file has gone and writes
+-- it again. Commands are absolute, so that twice does no harm. A file that cannot be removed is somebody else's, and none of its
+-- commands is carried out.
 local function takeCommands()
   local file = io.open(cmdPath, "r+")
-  if not file then return nil end
+  if not file then return "" end
   local size = file:seek("end")
   if not size then
     file:close()
-    return nil
+    return ""
   end
   local path = os.rename(cmdPath, takenPath) and takenPath or cmdPath
   file:seek("set", 0)
-  local content = size <= LONGEST_COMMANDS and file:read("*a") or ""
+  local content = size <= LONGEST_COMMANDS and file:read(LONGEST_COMMANDS)
   file:close()
-  os.remove(path)
-  return content
+  return os.remove(path) and content or ""
 end
 
 local function runWaitingCommands()
   local content = takeCommands()
-  if not content or content == "" then return end
+  if content == "" then return end
   for line in content:gmatch("[^\r\n]+") do runCommand(line) end
-  readPlayhead()
-  page = text(call(resolve, "GetCurrentPage"), page)
+  readPlayhead(timecode)
+  readPage(page)
 end
 
 -- What is printed
@@ -331,23 +361,27 @@ end
 -- The main loop
 
 local function lookAgain()
-  project = call(call(resolve, "GetProjectManager"), "GetCurrentProject")
-  timeline = call(project, "GetCurrentTimeline")
+  local manager = call(resolve, "GetProjectManager")
+  if not manager then
+    -- Perhaps the editor has quit, or is another one now.
+    resolve = bmd.scriptapp("Resolve")
+    if not resolve then os.exit(0) end
+  end
+  timeline = call(call(manager, "GetCurrentProject"), "GetCurrentTimeline")
   if timeline then
-    rate = tostring(call(timeline, "GetSetting", "timelineFrameRate") or "24")
-    rate = text(rate, "24"):gsub("|", "")
+    local setting = call(timeline, "GetSetting", "timelineFrameRate")
+    rate = field(type(setting) == "number" and tostring(number(setting, 24)) or setting, "24")
     timelineName = field(call(timeline, "GetName"), "Timeline")
     findClips()
   end
-  page = text(call(resolve, "GetCurrentPage"), "edit"):gsub("|", "")
+  readPage("edit")
 end
 
 local lastActive = ""
 
 local function round(tick)
   if tick % LOOK_AGAIN == 0 or not timeline then lookAgain() end
-  timecode = currentTimecode() or ""
-  playhead = framesOf(timecode)
+  readPlayhead("")
   runWaitingCommands()
   if timeline and playhead then
     local active = activeClips()

@@ -89,7 +89,8 @@ void EditorFolder::write(const char* name, const std::string& content) const {
 
 void EditorFolder::open(const EditorSession& session) {
     forgetCalls();
-    write("session.lua", literal(session));
+    // A comment of its own, so that a host sees that it is new even if nothing in it is.
+    write("session.lua", literal(session) + "-- " + std::to_string(nanosecondsNow()) + "\n");
 }
 
 void EditorFolder::quit() {

@@ -1,7 +1,7 @@
 -- A model of an editing application, as its scripting interface shows it. What it is to show lies in a folder (see README.md):
 -- session.lua, transport, and calls, to which every call that changes something is added.
 
-local folder, now, wait = ...
+local folder, secondsSince, wait = ...
 
 local function readFile(name)
   local file = io.open(folder .. "/" .. name, "r")
@@ -27,7 +27,8 @@ end
 local isReplaying = false
 
 local function literal(value)
-  if type(value) == "string" then return string.format("%q", value) end
+  -- %q breaks the line where the text does.
+  if type(value) == "string" then return (string.format("%q", value):gsub("\n", "n")) end
   if type(value) == "number" then return string.format("%.14g", value) end
   if type(value) ~= "table" then return tostring(value) end
   local keys, parts = {}, {}
@@ -48,35 +49,51 @@ end
 
 -- Time
 
+local function exactRate()
+  return tonumber(session.rate:match("^[%d.]+")) or 24
+end
+
 local function frameRate()
-  return math.floor((tonumber(session.rate:match("^[%d.]+")) or 24) + 0.5)
+  return math.floor(exactRate() + 0.5)
+end
+
+-- A drop-frame timecode leaves out two (at 60: four) numbers at the start of every minute but each tenth.
+local function droppedNumbers()
+  return session.rate:find("DF", 1, true) and math.floor(frameRate() / 15) or 0
 end
 
 local function currentFrame()
   local frame, speed, anchor = (readFile("transport") or ""):match("^(%-?%d+) (%-?[%d.]+) (%d+)")
   if not frame then return 0 end
-  local exact = tonumber(session.rate:match("^[%d.]+")) or 24
-  return math.max(0, frame + math.floor((now() - anchor) / 1e9 * exact * speed))
+  -- Waits that add up to a frame may be a hair short of it.
+  return math.max(0, frame + math.floor(secondsSince(anchor) * exactRate() * speed + 1e-6))
 end
 
 local function setFrame(frame)
   if isReplaying then return end
-  local file = assert(io.open(folder .. "/transport", "w"))
+  -- Put in place at once, as others may read at any moment.
+  local file = assert(io.open(folder .. "/transport.host", "w"))
   file:write(string.format("%d 0 0\n", frame))
   file:close()
+  os.rename(folder .. "/transport.host", folder .. "/transport")
 end
 
 local function timecodeOf(frame)
-  local rate = frameRate()
+  local rate, dropped = frameRate(), droppedNumbers()
+  local tenMinutes, minute = rate * 600 - 9 * dropped, rate * 60 - dropped
+  frame = frame + math.floor(frame / tenMinutes) * 9 * dropped +
+    math.max(math.floor((frame % tenMinutes - dropped) / minute), 0) * dropped
   local seconds = math.floor(frame / rate)
-  local separator = session.rate:find("DF", 1, true) and ";" or ":"
+  local separator = dropped > 0 and ";" or ":"
   return string.format("%02d:%02d:%02d%s%02d", math.floor(seconds / 3600) % 100, math.floor(seconds / 60) % 60, seconds % 60,
     separator, frame % rate)
 end
 
 local function framesOf(timecode)
   local h, m, s, f = timecode:match("^(%d+)[:;](%d+)[:;](%d+)[:;](%d+)$")
-  return h and ((h * 60 + m) * 60 + s) * frameRate() + f
+  if not h then return nil end
+  local minutes = h * 60 + m
+  return (minutes * 60 + s) * frameRate() + f - (minutes - math.floor(minutes / 10)) * droppedNumbers()
 end
 
 -- Objects

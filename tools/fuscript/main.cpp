@@ -12,20 +12,25 @@ namespace {
 
 constexpr long nanosecond = 1'000'000'000;
 
-/// Rounds that are left until the host ends by itself; negative: it never does. While it counts, no time
-/// passes.
+/// Rounds that are left until the host ends by itself; negative: it never does. While it counts, time is
+/// virtual: it is what the script has waited for.
 long roundsLeft = -1;
+double secondsWaited = 0;
 
-int now(lua_State* state) {
+/// Seconds since a moment of CLOCK_MONOTONIC in nanoseconds; in virtual time, since the host was started.
+int secondsSince(lua_State* state) {
+    const double moment = luaL_checknumber(state, 1);
     timespec time{};
     ::clock_gettime(CLOCK_MONOTONIC, &time);
-    lua_pushnumber(state, static_cast<double>(time.tv_sec) * 1e9 + static_cast<double>(time.tv_nsec));
+    const double now = static_cast<double>(time.tv_sec) * nanosecond + static_cast<double>(time.tv_nsec);
+    lua_pushnumber(state, roundsLeft >= 0 ? secondsWaited : (now - moment) / nanosecond);
     return 1;
 }
 
 int wait(lua_State* state) {
     const double seconds = luaL_checknumber(state, 1);
     if (roundsLeft >= 0) {
+        secondsWaited += seconds;
         if (--roundsLeft > 0) return 0;
         std::fflush(stdout);
         std::exit(0);
@@ -61,7 +66,7 @@ int main(int argc, char** argv) {
     lua_State* const state = luaL_newstate();
     luaL_openlibs(state);
     lua_pushstring(state, folder ? folder : "/nonexistent");
-    lua_pushcfunction(state, now);
+    lua_pushcfunction(state, secondsSince);
     lua_pushcfunction(state, wait);
     const bool isDone =
         run(state, orbinex::editorModel(), "editor_model.lua", 3) && run(state, argv[4], "script", 0);

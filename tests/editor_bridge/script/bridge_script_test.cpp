@@ -1,5 +1,7 @@
 // What the script asks of the editor, and what it prints, on every kind of Lua.
 
+#include <map>
+
 #include <gmock/gmock.h>
 
 #include "script_run.h"
@@ -9,6 +11,7 @@ namespace {
 
 using Lines = std::vector<std::string>;
 using testing::ElementsAre;
+using testing::MatchesRegex;
 using testing::StartsWith;
 
 class BridgeScript : public testing::TestWithParam<std::string> {
@@ -129,34 +132,65 @@ TEST_P(BridgeScript, tellsOfTheTimelineAndItsTracks) {
     odd.rate = "29.97 DF";
     odd.page = "color";
     odd.videoClip.reset();
-    odd.tracks = {
-        {.name = "",
-         .clips = {{.name = "Fade", .start = 0, .finish = 1'000'000, .kind = "Transition"},
-                   {.name = "Title",
-                    .start = 0,
-                    .finish = 1'000'000,
-                    .path = std::nullopt,
-                    .volumeDB = std::nullopt},
-                   {.name = "A|B", .start = 0, .finish = 1'000'000, .path = "/a|b.wav", .volumeDB = -3.25}},
-         .subtype = "5.1|film",
-         .isEnabled = false,
-         .isLocked = true}};
+    // Not UTF-8, and such as UTF-8 allows none.
+    odd.tracks = {{.name = "Caf\xE9 \xC3\xA9 \xED\xA0\x80",
+                   .clips = {{.name = "Fade", .start = 0, .finish = 1'000'000, .kind = "Transition"},
+                             {.name = "Title",
+                              .start = 0,
+                              .finish = 1'000'000,
+                              .path = std::nullopt,
+                              .volumeDB = std::nullopt},
+                             {.name = "A|B",
+                              .start = 0,
+                              .finish = 1'000'000,
+                              .path = "/a|b \xF0\x9F\x8E\xAC\xFF.wav",
+                              .volumeDB = -3.25}},
+                   .subtype = "5.1|film",
+                   .isEnabled = false,
+                   .isLocked = true},
+                  {.name = ""}};
     EXPECT_THAT(
-        linesOf(odd, 108'002),
-        ElementsAre("OXTC|01:00:00;02|29.97 DF|RESOLVE 20|A/B C|color|1|108002", "OXHDR|1|1|Timeline Clip|1",
-                    "OXTRK|1|1|Audio 1|A/B|5.1FILM|0|1|-3.25|0.0|0|65|0|0.0|1|1_0|0|0|/ab.wav"));
+        linesOf(odd, 107'894),
+        ElementsAre("OXTC|01:00:00;02|29.97 DF|RESOLVE 20|A/B C|color|1|108002", "OXHDR|2|1|Timeline Clip|1",
+                    "OXTRK|1|2|Caf? \xC3\xA9 ???|A/B|5.1FILM|0|1|-3.25|0.0|0|65|0|0.0|1|1_0|0|0|/ab "
+                    "\xF0\x9F\x8E\xAC?.wav",
+                    "OXTRK|2|2|Audio 2|Empty|STEREO|1|0|0.00|0.0|0|65|0|0.0|0||0|0|"));
+
+    auto large = ScriptRun::session();
+    large.tracks.resize(64, large.tracks[0]);
+    const auto lines = linesOf(large);
+    ASSERT_EQ(lines.size(), 66U);
+    EXPECT_THAT(lines[65], StartsWith("OXTRK|64|64|Dialogue|Take 1|"));
 }
 
+/// Drop-frame timecodes are counted as if no number were left out.
 TEST_P(BridgeScript, countsFramesAtEveryRate) {
-    for (const auto& [rate, report] :
-         {std::pair{"23.976", "01:00:00:00|23.976|RESOLVE 19.1|Reel 1|edit|1|86400"},
-          {"60", "00:24:00:00|60|RESOLVE 19.1|Reel 1|edit|1|86400"},
-          {"59.94 DF", "00:24:00;00|59.94 DF|RESOLVE 19.1|Reel 1|edit|1|86400"},
-          {"29.97", "00:48:00:00|29.97|RESOLVE 19.1|Reel 1|edit|1|86400"}}) {
+    const struct {
+        const char* rate;
+        std::int64_t frame;
+        const char* timecode;
+        const char* counted;
+    } rows[] = {
+        {"23.976", 86'400, "01:00:00:00", "86400"}, {"60", 86'400, "00:24:00:00", "86400"},
+        {"29.97", 86'400, "00:48:00:00", "86400"},  {"29.97 DF", 1'799, "00:00:59;29", "1799"},
+        {"29.97 DF", 1'800, "00:01:00;02", "1802"}, {"29.97 DF", 17'982, "00:10:00;00", "18000"},
+        {"59.94 DF", 3'600, "00:01:00;04", "3604"},
+    };
+    for (const auto& row : rows) {
         auto session = ScriptRun::session();
-        session.rate = rate;
-        EXPECT_EQ(linesOf(session, 86'400)[0], std::string("OXTC|") + report);
+        session.rate = row.rate;
+        EXPECT_EQ(linesOf(session, row.frame)[0], std::string("OXTC|") + row.timecode + "|" + row.rate +
+                                                      "|RESOLVE 19.1|Reel 1|edit|1|" + row.counted);
     }
+}
+
+TEST_P(BridgeScript, tellsWhereItPlays) {
+    script.editor.play(86'400, 1);
+    const auto forward = script.run(40);
+    EXPECT_THAT(forward.back(), StartsWith("OXTC|01:00:01:06|"));
+    EXPECT_EQ(forward.size(), 34U) << "31 timecodes, and the tracks once";
+    script.editor.play(86'400, -2);
+    EXPECT_THAT(script.run(40).back(), StartsWith("OXTC|00:59:57:"));
 }
 
 TEST_P(BridgeScript, printsOnlyWhatHasChanged) {
@@ -213,9 +247,90 @@ TEST_P(BridgeScript, goesOnWithoutWhatAnOlderEditorLacksOrFailsAt) {
                                               StartsWith("OXTRK|2")));
 }
 
+/// Gives something strange for one call in twenty rounds, for each call in its turn, with commands waiting
+/// all the time.
+constexpr const char* oneStrangeCall = R"lua(
+local calls, strangeOne, rounds = 0, 1, 0
+local guarded
+local function guard(object)
+  return setmetatable({}, {__index = function(_, name)
+    local run = object[name]
+    return run and function(_, ...)
+      calls = calls + 1
+      if calls == strangeOne then return strange() end
+      return guarded(run(object, ...))
+    end
+  end})
+end
+function guarded(value)
+  if type(value) ~= "table" then return value end
+  if getmetatable(value) then return guard(value) end
+  local copy = {}
+  for key, item in pairs(value) do copy[key] = guarded(item) end
+  return copy
+end
+local function giveCommands()
+  local file = io.open(commandPath, "w")
+  file:write("VOL|1|-3\nPAN|1|5\nVISO|1|1|80\nDLEV|1|1|2\nCDL\nNEN|1|1\nMUTE|2|0\nPAGE|edit\nTC|01:00:02:02\nREFRESH\n")
+  file:close()
+end
+local scriptapp, wait = bmd.scriptapp, bmd.wait
+bmd.scriptapp = function(name) return guard(scriptapp(name)) end
+bmd.wait = function(seconds)
+  rounds = rounds + 1
+  if rounds % 20 == 0 then
+    if calls < strangeOne then print("EVERY CALL") os.exit(0) end
+    calls, strangeOne = 0, strangeOne + 1
+    giveCommands()
+  end
+  wait(seconds)
+end
+giveCommands()
+)lua";
+
+TEST_P(BridgeScript, goesOnWhateverOneCallGives) {
+    for (const std::string value :
+         {"error({})", "nil", "false", "true", "{}", "{1, 2}", "0.5", "-7", "1/0", "0/0", "1e15",
+          R"("a|b\n\0\255c")", R"(string.rep("9", 400) .. ":00:00:00")"}) {
+        SCOPED_TRACE(value);
+        script.editor.open(ScriptRun::session());
+        script.editor.seek(86'450);
+        auto lines = script.run(100'000, "local function strange() return " + value + " end\n" +
+                                             "local commandPath = \"" + script.commandFile.string() + "\"\n" +
+                                             oneStrangeCall);
+        ASSERT_FALSE(lines.empty());
+        EXPECT_EQ(lines.back(), "EVERY CALL");
+        lines.pop_back();
+        EXPECT_THAT(lines, testing::Each(testing::AnyOf(MatchesRegex(R"(OXTC(\|[^|]*){6}\|[0-9]+)"),
+                                                        MatchesRegex(R"(OXHDR(\|[^|]*){4})"),
+                                                        MatchesRegex(R"(OXTRK(\|[^|]*){18})"))));
+        const auto usual = script.run(1);
+        ASSERT_EQ(usual.size(), 4U);
+        const std::map<char, std::string> tracks{{'1', usual[2]}, {'2', usual[3]}};
+        std::map<char, std::string> last;
+        for (const auto& line : lines)
+            if (line.starts_with("OXTRK|1|2|") || line.starts_with("OXTRK|2|2|")) last[line[6]] = line;
+        EXPECT_EQ(last, tracks) << "it has recovered";
+    }
+}
+
 TEST_P(BridgeScript, endsWithoutAnEditor) {
     script.editor.quit();
     EXPECT_EQ(script.run(50), Lines{});
+}
+
+TEST_P(BridgeScript, endsWhenTheEditorHasGoneAndItsHostHasNot) {
+    auto session = ScriptRun::session();
+    session.failing = {"GetProjectManager"};
+    script.editor.open(session);
+    const std::string quitAtOnce =
+        "local connect, wait = bmd.scriptapp, bmd.wait\n"
+        "bmd.wait = function() print('WAITED') wait(0) end\n";
+    EXPECT_THAT(script.run(3, quitAtOnce), testing::Contains("WAITED")) << "it is only failing";
+    EXPECT_EQ(script.run(3, quitAtOnce + "local asked = false\nbmd.scriptapp = function(name)\n"
+                                         "  if asked then return nil end\n"
+                                         "  asked = true\n  return connect(name)\nend\n"),
+              Lines{});
 }
 
 TEST_P(BridgeScript, findsTheCommandsThatWaitedForIt) {

@@ -74,9 +74,33 @@ TEST_P(CommandFileForm, thatIsNoFileHoldsNothingUp) {
     EXPECT_EQ(script.run(2).size(), 4U) << "a link to nowhere";
     fs::remove(script.commandFile);
 
+    const auto precious = script.editor.path() / "precious";
+    std::ofstream(precious) << "os.exit(7)\n";
+    fs::create_symlink(precious, script.commandFile);
+    EXPECT_EQ(script.run(2).size(), 4U) << "a link to a file";
+    EXPECT_EQ(fs::file_size(precious), 11U);
+    EXPECT_FALSE(fs::is_symlink(script.commandFile));
+
     script.command("MUTE|2|0\n");
     script.run(2);
     EXPECT_EQ(script.editor.calls(), Lines{mute}) << "and the next command is carried out";
+}
+
+/// Another user's in a folder whose files only their owners may move.
+TEST_P(CommandFileForm, thatCannotBeRemovedIsNotObeyed) {
+    script.command("MUTE|2|0\n");
+    EXPECT_EQ(script.run(2, "os.rename = function() end\nos.remove = os.rename\n").size(), 4U);
+    EXPECT_EQ(script.editor.calls(), Lines{});
+    EXPECT_TRUE(fs::exists(script.commandFile));
+}
+
+TEST_P(CommandFileForm, mayHaveAnyName) {
+    const auto folder = script.editor.path() / "it's \"a\\b\"\n9 ]] .. os.exit(7) --";
+    fs::create_directory(folder);
+    script.commandFile = folder / "commands";
+    script.command("MUTE|2|0\n");
+    EXPECT_EQ(script.run(2).size(), 4U);
+    EXPECT_EQ(script.editor.calls(), Lines{mute});
 }
 
 TEST_P(CommandFileForm, mayHaveSomethingWhereItIsTaken) {

@@ -27,7 +27,7 @@ class ScriptRun {
     void command(const std::string& content) const;
 
     EditorFolder editor;
-    const std::filesystem::path commandFile;
+    std::filesystem::path commandFile;
 
   private:
     std::string host_;
