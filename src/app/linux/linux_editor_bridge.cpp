@@ -2,7 +2,7 @@
 
 #include <unistd.h>
 
-#include "editor_bridge/command_queue_path.h"
+#include "editor_bridge/command_queue_file_path.h"
 #include "editor_bridge/script_host_path.h"
 
 namespace orbinex {
@@ -10,7 +10,7 @@ namespace orbinex {
 LinuxEditorBridge::Places LinuxEditorBridge::usualPlaces() {
     return {.display = {},
             .scriptHost = scriptHostPathOnLinux,
-            .commandFile = commandQueuePath(::getuid()),
+            .commandFile = commandQueueFilePath(::getuid()),
             .soundServer = {}};
 }
 

@@ -18,7 +18,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "editor_bridge/command_queue_path.h"
+#include "editor_bridge/command_queue_file_path.h"
 #include "editor_bridge/linux/tmp_command_file.h"
 
 namespace orbinex {
@@ -63,7 +63,7 @@ class TmpCommandFileTest : public testing::Test {
 };
 
 TEST_F(TmpCommandFileTest, collectsLinesForItsOwnerOnly) {
-    EXPECT_EQ(commandQueuePath(1000), "/tmp/orbinex_resolve_cmd_1000.txt");
+    EXPECT_EQ(commandQueueFilePath(1000), "/tmp/orbinex_resolve_cmd_1000.txt");
     TmpCommandFile file(path_);
     EXPECT_EQ(file.path(), path_.string());
     const auto mask = ::umask(0777);

@@ -6,7 +6,7 @@
 namespace orbinex {
 
 /// Where a user's commands wait for the bridge script: one file for each user of the computer.
-inline std::string commandQueuePath(std::uint32_t userID) {
+inline std::string commandQueueFilePath(std::uint32_t userID) {
     return "/tmp/orbinex_resolve_cmd_" + std::to_string(userID) + ".txt";
 }
 
