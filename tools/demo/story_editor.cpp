@@ -23,7 +23,7 @@ constexpr std::uint32_t windowColour = 0x20242c;
 constexpr auto windowLimit = 6s;
 /// As a person steps: each step is reported before the next.
 constexpr auto stepPace = 150ms;
-constexpr std::int64_t beginning = start + 2 * 24;
+constexpr std::int64_t beginning = start + 48;
 
 EditorSession session() {
     EditorSession session;
@@ -40,8 +40,8 @@ EditorSession session() {
 template <class Message, class Condition>
 const Message* lastTold(const Stage& stage, Condition isIt) {
     const auto& received = stage.program.phone().received;
-    for (auto it = received.rbegin(); it != received.rend(); ++it) {
-        const auto* message = std::get_if<Message>(&it->value);
+    for (std::size_t i = received.size(); i-- > 0;) {
+        const auto* message = std::get_if<Message>(&received[i].value);
         if (message && isIt(*message)) return message;
     }
     return nullptr;
