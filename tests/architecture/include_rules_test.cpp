@@ -29,7 +29,7 @@ const std::map<std::string, Rule> logic{
     {"protocol", {{"base"}, {"nlohmann"}}},
     {"trust", {{"base"}, {"nlohmann"}}},
     {"input", {{"protocol", "base"}, {}}},
-    {"audio", {{"protocol", "base"}, {}}},
+    {"audio", {{"protocol", "base"}, {"kissfft"}}},
     {"editor_bridge", {{"audio", "protocol", "base"}, {}}},
     {"link", {{"editor_bridge", "trust", "protocol", "base"}, {}}},
     {"app", {{"link", "editor_bridge", "input", "trust", "protocol", "base"}, {}}},
