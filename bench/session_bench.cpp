@@ -14,6 +14,7 @@
 #include "editor_bridge/editor_identity.h"
 #include "median_reporter.h"
 #include "sim/recording_command_file.h"
+#include "sim/simulated_clip_media.h"
 #include "sim/simulated_script_host.h"
 #include "sim/simulated_system_volume.h"
 #include "sim/simulated_workspace.h"
@@ -78,7 +79,9 @@ struct Session {
     SimulatedScriptHost host;
     RecordingCommandFile commandFile;
     SimulatedSystemVolume volume;
-    AppWatcherDaemon bridge{{queue, workspace, host, commandFile, volume}};
+    SimulatedClipMedia media;
+    DirectSourceOpener clips{media};
+    AppWatcherDaemon bridge{{queue, workspace, host, commandFile, volume, clips}};
     std::size_t bytes = 0;
     std::size_t telemetries = 0;
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <cstring>
 
@@ -13,17 +14,31 @@ namespace {
 constexpr std::size_t lanes = 4;
 using Floats = float __attribute__((vector_size(lanes * sizeof(float))));
 using Ints = std::int32_t __attribute__((vector_size(lanes * sizeof(std::int32_t))));
-using Shorts = std::int16_t __attribute__((vector_size(lanes * sizeof(std::int16_t))));
 
 Floats load(const float* samples) {
     Floats result;
     std::memcpy(&result, samples, sizeof result);
     return result;
 }
-Floats load(const std::int16_t* samples) {
-    Shorts shorts;
-    std::memcpy(&shorts, samples, sizeof shorts);
-    return __builtin_convertvector(shorts, Floats);
+
+/// Eight samples side by side as two vectors: those with even and those with odd numbers.
+struct Pair {
+    Floats even, odd;
+};
+Pair loadPairs(const float* samples) {
+    const Floats first = load(samples);
+    const Floats second = load(samples + lanes);
+    return {__builtin_shufflevector(first, second, 0, 2, 4, 6),
+            __builtin_shufflevector(first, second, 1, 3, 5, 7)};
+}
+Pair loadPairs(const std::int16_t* samples) {
+    static_assert(std::endian::native == std::endian::little);
+    Ints both;
+    std::memcpy(&both, samples, sizeof both);
+    // The shift to the left is one of bits; that to the right keeps the sign.
+    using Bits = std::uint32_t __attribute__((vector_size(lanes * sizeof(std::uint32_t))));
+    const auto low = reinterpret_cast<Ints>(reinterpret_cast<Bits>(both) << 16);
+    return {__builtin_convertvector(low >> 16, Floats), __builtin_convertvector(both >> 16, Floats)};
 }
 void store(Floats value, float* to) {
     std::memcpy(to, &value, sizeof value);
@@ -83,52 +98,35 @@ class Measure {
     float restSquares_ = 0;
 };
 
-template <class Sample>
-MonoRead foldStereoSamples(std::span<const Sample> samples, std::span<float> mono) {
+/// Folds as many frames as `in` has in twos of eight samples, then the rest one by one. `Channels` is 1 or 2.
+template <std::size_t Channels, class Sample>
+MonoRead fold(std::span<const Sample> samples, std::span<float> mono) {
     constexpr float one = unit(static_cast<const Sample*>(nullptr));
-    const std::size_t frames = std::min(samples.size() / 2, mono.size());
+    constexpr std::size_t framesAtOnce = 2 * lanes / Channels;
+    const std::size_t frames = std::min(samples.size() / Channels, mono.size());
     const Sample* in = samples.data();
     float* out = mono.data();
     Measure measure;
     std::size_t frame = 0;
-    for (; frame + 2 * lanes <= frames; frame += 2 * lanes) {
-        for (std::size_t half = 0; half < 2; ++half, in += 2 * lanes, out += lanes) {
-            const Floats first = load(in);
-            const Floats second = load(in + lanes);
-            const Floats left = __builtin_shufflevector(first, second, 0, 2, 4, 6);
-            const Floats right = __builtin_shufflevector(first, second, 1, 3, 5, 7);
-            store((left + right) * (0.5F * one), out);
-            measure.addFrames(left, right, half);
+    for (; frame + 2 * framesAtOnce <= frames; frame += 2 * framesAtOnce) {
+        for (std::size_t half = 0; half < 2; ++half, in += 2 * lanes, out += framesAtOnce) {
+            const auto [even, odd] = loadPairs(in);
+            if constexpr (Channels == 2) {
+                store((even + odd) * (0.5F * one), out);
+                measure.addFrames(even, odd, half);
+            } else {
+                store(__builtin_shufflevector(even, odd, 0, 4, 1, 5) * one, out);
+                store(__builtin_shufflevector(even, odd, 2, 6, 3, 7) * one, out + lanes);
+                measure.addFrames(even, even, half);
+                measure.addFrames(odd, odd, half);
+            }
         }
     }
-    for (; frame < frames; ++frame, in += 2) {
+    for (; frame < frames; ++frame, in += Channels) {
         const auto left = static_cast<float>(in[0]);
-        const auto right = static_cast<float>(in[1]);
+        const auto right = static_cast<float>(in[Channels - 1]);
         *out++ = (left + right) * (0.5F * one);
         measure.addFrame(left, right);
-    }
-    return measure.result(frames, one);
-}
-
-template <class Sample>
-MonoRead foldMonoSamples(std::span<const Sample> samples, std::span<float> mono) {
-    constexpr float one = unit(static_cast<const Sample*>(nullptr));
-    const std::size_t frames = std::min(samples.size(), mono.size());
-    const Sample* in = samples.data();
-    float* out = mono.data();
-    Measure measure;
-    std::size_t frame = 0;
-    for (; frame + 2 * lanes <= frames; frame += 2 * lanes) {
-        for (std::size_t half = 0; half < 2; ++half, in += lanes, out += lanes) {
-            const Floats value = load(in);
-            store(value * one, out);
-            measure.addFrames(value, value, half);
-        }
-    }
-    for (; frame < frames; ++frame) {
-        const auto value = static_cast<float>(*in++);
-        *out++ = value * one;
-        measure.addFrame(value, value);
     }
     return measure.result(frames, one);
 }
@@ -136,16 +134,16 @@ MonoRead foldMonoSamples(std::span<const Sample> samples, std::span<float> mono)
 }  // namespace
 
 MonoRead foldStereo(std::span<const float> samples, std::span<float> mono) {
-    return foldStereoSamples(samples, mono);
+    return fold<2>(samples, mono);
 }
 MonoRead foldMono(std::span<const float> samples, std::span<float> mono) {
-    return foldMonoSamples(samples, mono);
+    return fold<1>(samples, mono);
 }
 MonoRead foldStereo(std::span<const std::int16_t> samples, std::span<float> mono) {
-    return foldStereoSamples(samples, mono);
+    return fold<2>(samples, mono);
 }
 MonoRead foldMono(std::span<const std::int16_t> samples, std::span<float> mono) {
-    return foldMonoSamples(samples, mono);
+    return fold<1>(samples, mono);
 }
 
 }  // namespace orbinex

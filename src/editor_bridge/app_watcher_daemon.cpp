@@ -12,7 +12,8 @@ AppWatcherDaemon::AppWatcherDaemon(const Ports& ports)
       scriptHost_(ports.scriptHost),
       commandFile_(ports.commandFile),
       volume_(ports.volume),
-      lastPlayheadUpdateUptime_(ports.queue.uptime()) {
+      lastPlayheadUpdateUptime_(ports.queue.uptime()),
+      meterEngine_(ports.clips) {
     setupMIDISurface();
     syncSystemVolume();
     activateObserver_ = workspace_.didActivate.subscribe(

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "audio/clip_source_opener.h"
+#include "audio/fairlight_audio_meter_engine.h"
 #include "audio/resolve_track_clip_meta.h"
 #include "base/lifetime.h"
 #include "base/main_queue.h"
@@ -47,6 +49,7 @@ class AppWatcherDaemon final : public EditorBridge {
         ScriptHost& scriptHost;
         CommandFile& commandFile;
         SystemVolume& volume;
+        ClipSourceOpener& clips;
     };
 
     /// Begins to watch at once. The ports must outlive it.
@@ -128,6 +131,9 @@ class AppWatcherDaemon final : public EditorBridge {
     /// What a line makes of the telemetry and of a track, kept for their strings' memory.
     SessionTelemetry nextTelemetry_;
     DAWTrackState nextTrack_;
+    FairlightAudioMeterEngine meterEngine_;
+    /// The last meters as they were sent, kept for their memory.
+    Bytes meterMessage_;
 
     Timer supervisorTimer_;
     Timer playbackStopTimer_;

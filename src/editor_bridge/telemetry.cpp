@@ -64,9 +64,23 @@ void AppWatcherDaemon::handleTransportKey(std::uint16_t keycode, ModifierFlags m
     if (effect->telemetry != *currentTelemetry) publishTelemetry(effect->telemetry);
 }
 
-/// Until clips' media are measured, nothing is heard.
 void AppWatcherDaemon::meterTick() {
-    if (isBLEClientConnected_) send(encodeMeter(*latestMeterPacket));
+    const auto& packet = meterEngine_.makeMeterPacket({.tracks = dawSnapshot->tracks,
+                                                       .clipMetaByIndex = trackClipMetaByIndex_,
+                                                       .playheadFrame = currentPlayheadFrame_,
+                                                       .lastPlayheadUpdateUptime = lastPlayheadUpdateUptime_,
+                                                       .isPlaying = currentTelemetry->isPlaying,
+                                                       .playbackSpeed = currentTelemetry->playbackSpeed,
+                                                       .framesPerSecond = currentTelemetry->fps,
+                                                       .selectedTrackIndex = selectedTrackIndex_,
+                                                       .editorRunning = isResolveRunning(),
+                                                       .masterVolumeDB = dawSnapshot->masterVolumeDB,
+                                                       .masterMuted = dawSnapshot->masterMuted},
+                                                      queue_.uptime());
+    latestMeterPacket.edit([&](DAWMeterPacket& latest) { latest = packet; });
+    if (!isBLEClientConnected_) return;
+    encodeMeter(packet, meterMessage_);
+    send(meterMessage_);
 }
 
 }  // namespace orbinex

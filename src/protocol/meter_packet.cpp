@@ -71,11 +71,17 @@ DAWMeterPacket DAWMeterPacket::placeholder() {
 }
 
 Bytes encodeMeter(const DAWMeterPacket& packet) {
+    Bytes message;
+    encodeMeter(packet, message);
+    return message;
+}
+
+void encodeMeter(const DAWMeterPacket& packet, Bytes& message) {
     const std::size_t meters = std::min(packet.channelMeters.size(), maximumChannelMeters);
     const std::size_t bands = std::min(packet.spectrumBands.size(), maximumSpectrumBands);
     const std::size_t history = std::min(packet.amplitudeHistory.size(), maximumAmplitudeHistory);
 
-    Bytes message;
+    message.clear();
     message.reserve(metersOffset + meterSize * meters + 1 + bands + 1 + history);
     message.push_back(messageType);
     for (unsigned shift = 0; shift < 16; shift += 8) {
@@ -90,7 +96,6 @@ Bytes encodeMeter(const DAWMeterPacket& packet) {
     for (std::size_t i = 0; i < meters; ++i) append(message, packet.channelMeters[i]);
     append(message, packet.spectrumBands, bands);
     append(message, packet.amplitudeHistory, history);
-    return message;
 }
 
 std::optional<DAWMeterPacket> decodeMeter(ByteView message) {

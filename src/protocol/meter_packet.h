@@ -69,6 +69,8 @@ inline constexpr std::size_t maximumAmplitudeHistory = 24;
 ///
 /// What exceeds the maxima is dropped, the first entries stay.
 Bytes encodeMeter(const DAWMeterPacket& packet);
+/// The same in place of what `message` holds, in its memory.
+void encodeMeter(const DAWMeterPacket& packet, Bytes& message);
 
 /// Reads a whole message, type byte included. Nothing when it is not of the meter type or ends before its
 /// last channel meter. An unknown status is silence. Bands or history whose bytes are not all there are

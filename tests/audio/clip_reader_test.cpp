@@ -44,7 +44,9 @@ TEST(ClipReader, readsWhatIsAskedForWithinItsBounds) {
             const auto frame = static_cast<float>(row.start + static_cast<std::int64_t>(i));
             EXPECT_EQ(buffer[i], i < row.expected ? (frame + 0.5F) / 4096.0F : -1) << row.start << "+" << i;
         }
-        if (row.expected == 0) EXPECT_EQ(read, MonoRead{});
+        if (row.expected == 0) {
+            EXPECT_EQ(read, MonoRead{});
+        }
     }
 }
 
@@ -66,7 +68,7 @@ TEST(SourceOpener, choosesTheReaderByTheExtension) {
         Kind kind;
     } rows[] = {
         {"/a.wav", true, file},         {"/a.WAV", true, file},        {"/noextension", true, file},
-        {"/a.r3d", false, clip},        {"/a.R3D", false, clip},       {"/a.r3d", true, unsupported},
+        {"/a.r3d", false, clip},        {"/a.R3D", false, clip},       {"/a.r3d", true, clip},
         {"/a.wav", false, unsupported}, {"/dir.r3d/a", true, file},    {"/.r3d", true, file},
         {"/a.b.r3D", false, clip},      {"relative.R3d", false, clip},
     };

@@ -11,7 +11,7 @@ TEST(MeterEngine, allocatesNothingInASteadyTick) {
     for (std::int64_t i = 1; i <= 24; ++i) world.addTrack(i, test::sine(100.0 * static_cast<double>(i), 0.5));
     world.addTrack(25, "/missing.wav");
     world.clips.erase(25);
-    world.tracks.push_back({.index = 0, .isMaster = true});
+    world.listTrack(0, true);
     for (const std::int64_t selected : {1, 0, 25}) {
         world.selected = selected;
         world.isPlaying = selected == 1;

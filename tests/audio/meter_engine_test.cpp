@@ -65,10 +65,10 @@ TEST(MeterEngine, tellsWhyATrackIsNotHeard) {
     world.clips[4].hasActiveClip = false;
     world.addTrack(5, std::string());
     world.addTrack(6, "/missing.wav");
-    world.tracks.push_back({.index = 7});
-    world.tracks.push_back({.index = 0, .isMaster = true});
-    world.tracks.push_back({.index = 9, .isMaster = true});
-    world.tracks.push_back({.index = -1});
+    world.listTrack(7);
+    world.listTrack(0, true);
+    world.listTrack(9, true);
+    world.listTrack(-1);
     world.addTrack(8, SimulatedSound{.sample = sine(1000, 0.5), .totalSampleFrames = 100});
     world.addTrack(10, sine(1000, 1)).volumeDB = -280;
     world.addTrack(11, sine(1000, 1)).volumeDB = -300;
@@ -93,7 +93,7 @@ TEST(MeterEngine, givesEveryListedTrackADisconnectedMeterWithoutTheEditor) {
     MeterWorld world;
     world.addTrack(1, sine(1000, 1));
     world.addTrack(2, sine(1000, 1));
-    world.tracks.push_back({.index = 0, .isMaster = true});
+    world.listTrack(0, true);
     world.selected = 2;
     const auto before = world.tick();
     EXPECT_EQ(before.selectedTrackStatus, Status::activeSignal);

@@ -43,7 +43,14 @@ struct MeterWorld {
                         .clipStartFrame = clipStart,
                         .sourceStartFrame = 24,
                         .filePath = path};
-        return tracks.emplace_back(DAWTrackState{.index = index});
+        return listTrack(index);
+    }
+    /// Adds a track without a clip.
+    DAWTrackState& listTrack(std::int64_t index, bool isMaster = false) {
+        auto& track = tracks.emplace_back();
+        track.index = index;
+        track.isMaster = isMaster;
+        return track;
     }
     const DAWMeterPacket& tick() {
         const auto& packet = engine->makeMeterPacket({.tracks = tracks,

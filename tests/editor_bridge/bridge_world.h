@@ -9,6 +9,7 @@
 #include "editor_bridge/editor_identity.h"
 #include "protocol/control_message.h"
 #include "sim/recording_command_file.h"
+#include "sim/simulated_clip_media.h"
 #include "sim/simulated_script_host.h"
 #include "sim/simulated_system_volume.h"
 #include "sim/simulated_workspace.h"
@@ -28,7 +29,7 @@ class BridgeWorld {
     /// Creates the bridge, as at the program's start.
     void start() {
         daemon = std::make_unique<AppWatcherDaemon>(
-            AppWatcherDaemon::Ports{queue, workspace, host, commandFile, volume});
+            AppWatcherDaemon::Ports{queue, workspace, host, commandFile, volume, clips});
         daemon->onActiveAppChanged = [this](const std::string& bundleID) { activeApps.push_back(bundleID); };
         daemon->onTelemetryChanged = [this](const SessionTelemetry& telemetry) { told.push_back(telemetry); };
         daemon->onDAWPacketReady = [this](ByteView message) {
@@ -75,6 +76,8 @@ class BridgeWorld {
     SimulatedScriptHost host;
     RecordingCommandFile commandFile;
     SimulatedSystemVolume volume;
+    SimulatedClipMedia media;
+    DirectSourceOpener clips{media};
 
     std::vector<std::string> activeApps;
     std::vector<SessionTelemetry> told;

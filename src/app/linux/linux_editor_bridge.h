@@ -29,7 +29,7 @@ class LinuxEditorBridge {
           scriptHost_(places.scriptHost, queue),
           commandFile_(places.commandFile),
           volume_(queue, places.soundServer),
-          daemon_({queue, workspace_, scriptHost_, commandFile_, volume_}) {}
+          daemon_({queue, workspace_, scriptHost_, commandFile_, volume_, clips_}) {}
 
     AppWatcherDaemon& daemon() { return daemon_; }
     const SystemVolume& volume() const { return volume_; }
@@ -42,6 +42,9 @@ class LinuxEditorBridge {
     LinuxScriptHost scriptHost_;
     TmpCommandFile commandFile_;
     PulseVolume volume_;
+    struct NoClips final : ClipSourceOpener {
+        std::optional<CachedAudioSource> open(const std::string&) override { return UnsupportedSource{}; }
+    } clips_;
     AppWatcherDaemon daemon_;
 };
 
