@@ -15,8 +15,11 @@ namespace orbinex {
 /// everything whenever they have dropped all their media.
 class BackgroundSourceOpener final : public ClipSourceOpener {
   public:
-    /// Media that are kept, or being opened, at a time.
-    static constexpr std::size_t mostSources = 64;
+    /// Media that are kept, or being opened, at a time. Further ones are not opened while all of these are
+    /// in use.
+    static constexpr std::size_t mostSources = 128;
+    /// Media that were asked for within this time are in use.
+    static constexpr std::chrono::seconds useLife{1};
     /// Media that nobody has asked for in this time are let go of.
     static constexpr std::chrono::seconds unaskedLife{10};
     /// After this time media are opened anew, in case that the file was replaced.
@@ -33,23 +36,22 @@ class BackgroundSourceOpener final : public ClipSourceOpener {
   private:
     class Opening;
     struct Entry {
-        std::shared_ptr<Opening> current;
-        /// What is shown until `current` is done.
-        std::optional<CachedAudioSource> previous;
-        std::chrono::nanoseconds begun{0};
+        std::shared_ptr<Opening> opening;
+        /// What is shown until `opening` is done.
+        std::optional<CachedAudioSource> before;
         std::chrono::nanoseconds lastAsked{0};
     };
 
-    /// Null when there is no room.
-    Entry* entryFor(const std::string& path, std::chrono::nanoseconds now);
-    std::shared_ptr<Opening> begin(const std::string& path);
-    void letGo(std::shared_ptr<Opening> opening);
-    void dropUnasked(std::chrono::nanoseconds now);
-    bool dropOldest();
+    Entry begin(const std::string& path, std::chrono::nanoseconds now);
+    void letGo(Entry& entry);
+    void letGoOfUnasked(std::chrono::nanoseconds now);
+    /// False when there is none that may go.
+    bool makeRoom(std::chrono::nanoseconds now);
 
     std::shared_ptr<ClipMedia> media_;
     std::shared_ptr<MediaWorkers> workers_;
     std::unordered_map<std::string, Entry> entries_;
+    std::chrono::nanoseconds lastTidied_{0};
 };
 
 }  // namespace orbinex

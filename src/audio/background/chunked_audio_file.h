@@ -32,6 +32,7 @@ class ChunkedAudioFile final : public AudioFile {
     int channelCount_;
     SampleType sampleType_;
     std::shared_ptr<Decoding> decoding_;
+    std::shared_ptr<MediaWorkers> workers_;
 };
 
 }  // namespace orbinex

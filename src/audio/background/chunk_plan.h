@@ -1,0 +1,95 @@
+#pragma once
+
+#include <array>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+
+namespace orbinex {
+
+/// Which chunks of a file are kept in the few places there are, and which are to be fetched next. Chunks are
+/// numbered from 0.
+///
+/// Several places of a file may be read in turn, each moving on in the direction of play: where a chunk is
+/// entered from its neighbour, those on its other side are fetched ahead. Without a neighbour, play goes
+/// forwards.
+class ChunkPlan {
+  public:
+    using Chunk = std::int64_t;
+    using Time = std::chrono::nanoseconds;
+    using Slot = std::size_t;
+
+    /// Enough for 16 places with one chunk ahead, and some that end in the next chunk.
+    static constexpr std::size_t slotCount = 36;
+    static constexpr int readAhead = 2;
+    /// What was fetched incompletely is tried again after this time.
+    static constexpr Time incompleteLife = std::chrono::milliseconds(500);
+    /// What was not looked at for this long is not needed any more.
+    static constexpr Time unusedLife = std::chrono::milliseconds(500);
+    /// A chunk that was missed this long ago is not worth fetching.
+    static constexpr Time wantLife = std::chrono::milliseconds(200);
+
+    struct Fetch {
+        Slot slot;
+        Chunk chunk;
+        /// Somebody waits for it; otherwise it is fetched ahead.
+        bool isDemanded;
+    };
+
+    /// `chunkCount` at least 0.
+    explicit ChunkPlan(Chunk chunkCount) : chunkCount_(chunkCount) { chunks_.fill(none); }
+
+    /// Somebody reads the chunk. True when it is at hand; otherwise it is to be fetched, if it exists.
+    bool read(Chunk chunk, Time now);
+    /// Somebody has read the chunk, which was at hand anyway.
+    void noteRead(Chunk chunk, Time now);
+    /// The chunk is not at hand any more, though it was. Without a chunk: none is.
+    void lose(Chunk chunk);
+    void loseAll();
+    /// Where the chunk is, if it is at hand.
+    [[nodiscard]] std::optional<Slot> find(Chunk chunk) const;
+
+    /// What to fetch next, and where to; it is being fetched from then on.
+    std::optional<Fetch> beginFetch();
+    void endFetch(Slot slot, bool isComplete, Time now);
+    [[nodiscard]] bool hasDemand() const;
+    [[nodiscard]] bool hasWork() const;
+
+  private:
+    static constexpr Chunk none = -1;
+    enum class State : std::uint8_t { empty, wanted, fetching, atHand };
+    struct Place {
+        State state = State::empty;
+        bool isComplete = false;
+        /// Play has moved on to the next chunk.
+        bool isPassed = false;
+        /// Chunks ahead of what was read; 0 once it was read itself.
+        int distance = 0;
+        /// Of play: 1 or -1.
+        int direction = 1;
+        std::uint64_t lastUse = 0;
+        Time lastUseTime{0};
+        Time fetchTime{0};
+    };
+
+    [[nodiscard]] std::optional<Slot> slotOf(Chunk chunk) const;
+    [[nodiscard]] int directionOfEntry(Chunk chunk) const;
+    /// Null when no place can be had for it.
+    Place* enter(Chunk chunk, Time now);
+    void use(Place& place, Time now);
+    void wantAhead(Chunk chunk, int distance, int direction, Time now);
+    std::optional<Slot> claim(Chunk chunk, int distance, Time now);
+    [[nodiscard]] std::optional<int> costOfReplacing(const Place& place, int distance, Time now) const;
+    void dropOutdated();
+    void vacate(Slot slot);
+
+    Chunk chunkCount_;
+    /// What is in each place.
+    std::array<Chunk, slotCount> chunks_{};
+    std::array<Place, slotCount> places_{};
+    std::uint64_t uses_ = 0;
+    Time lastTime_{0};
+};
+
+}  // namespace orbinex

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <mutex>
+
+#include "audio/background/chunk_plan.h"
+#include "audio/background/media_workers.h"
+
+namespace orbinex {
+
+/// Brings chunks of a file to hand in the background, ahead of where it is read. Who has one posts it to the
+/// workers to be rid of it.
+class ChunkStore : public MediaTask {
+  public:
+    using Chunk = ChunkPlan::Chunk;
+    using Slot = ChunkPlan::Slot;
+
+    /// `chunkCount` at least 0.
+    ChunkStore(std::shared_ptr<MediaWorkers> workers, Chunk chunkCount)
+        : workers_(std::move(workers)), plan_(chunkCount) {}
+
+    /// Fetches the chunks from `first` to `last` unless they are at hand, and waits for them while it may. A
+    /// file that has kept a reader waiting in vain makes nobody wait before it has brought something. True
+    /// when all are at hand in the end.
+    bool bring(Chunk first, Chunk last);
+    /// The same for chunks that turned out not to be at hand any more.
+    bool bringAgain(Chunk first, Chunk last);
+    /// None of the chunks is at hand any more.
+    void loseAll();
+    /// Fetches what lies ahead of this chunk, which was read without its having been asked for.
+    void noteRead(Chunk chunk);
+    /// Calls `use` with the slot of each chunk from `first` to `last` as long as they are at hand and it
+    /// returns true. Nothing is fetched into the slots meanwhile; be quick.
+    template <class Use>
+    void visit(Chunk first, Chunk last, Use&& use) const {
+        const std::lock_guard lock(mutex_);
+        for (Chunk chunk = first; chunk <= last; ++chunk) {
+            const auto slot = plan_.find(chunk);
+            if (!slot || !use(chunk, *slot)) return;
+        }
+    }
+    /// Ends its work, once the step that it may be at has ended.
+    void close();
+
+    bool run() final;
+
+  protected:
+    [[nodiscard]] MediaWorkers& workers() const { return *workers_; }
+
+  private:
+    /// Fetches the chunk into the slot, which nobody reads meanwhile. True when all of it came. On a
+    /// background thread, one call at a time.
+    virtual bool fetch(const ChunkPlan::Fetch& fetch) = 0;
+
+    [[nodiscard]] bool areAtHand(Chunk first, Chunk last) const;
+
+    std::shared_ptr<MediaWorkers> workers_;
+    mutable std::mutex mutex_;
+    ChunkPlan plan_;
+    bool hasGivenUp_ = false;
+    bool isClosed_ = false;
+};
+
+}  // namespace orbinex
