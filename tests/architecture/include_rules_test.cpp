@@ -23,13 +23,14 @@ struct Rule {
     Names libraries;
 };
 
-/// Folders that know no operating system, no toolkit and no clock.
+/// Folders that know no operating system, no toolkit and no clock; audio/background alone has threads and time.
 const std::map<std::string, Rule> logic{
     {"base", {{}, {"utf8proc.h"}}},
     {"protocol", {{"base"}, {"nlohmann"}}},
     {"trust", {{"base"}, {"nlohmann"}}},
     {"input", {{"protocol", "base"}, {}}},
     {"audio", {{"protocol", "base"}, {"kissfft"}}},
+    {"audio/background", {{"audio"}, {}}},
     {"editor_bridge", {{"audio", "protocol", "base"}, {}}},
     {"link", {{"editor_bridge", "trust", "protocol", "base"}, {}}},
     {"app", {{"link", "editor_bridge", "input", "trust", "protocol", "base"}, {}}},
@@ -41,6 +42,7 @@ const std::map<std::string, Rule> logic{
 const std::map<std::string, Names> adapters{
     {"input/x11", {"input", "protocol", "base"}},
     {"input/uinput", {"input"}},
+    {"audio/linux", {"audio", "audio/background"}},
     {"editor_bridge/linux", {"editor_bridge", "base"}},
     {"link/bluez", {"link", "protocol", "base"}},
     {"app/x11", {"app", "input/x11"}},
