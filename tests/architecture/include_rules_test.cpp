@@ -23,7 +23,7 @@ struct Rule {
     Names libraries;
 };
 
-/// Folders that know no operating system, no toolkit and no clock; audio/background alone has threads and time.
+/// Folders that know no operating system and no toolkit. Only audio/background has threads and a clock.
 const std::map<std::string, Rule> logic{
     {"base", {{}, {"utf8proc.h"}}},
     {"protocol", {{"base"}, {"nlohmann"}}},
