@@ -31,6 +31,7 @@
 #include "phone_process.h"
 #include "sim/idle_editor_bridge.h"
 #include "sim/memory_defaults.h"
+#include "sim/simulated_shell.h"
 #include "support/private_x_server.h"
 
 // Last, for its macros.
@@ -117,8 +118,8 @@ class Program {
     Program(const QString& busAddress, const char* name, MainQueue& queue, EventPoster& poster,
             KeyboardLayoutSource& layouts)
         : central_(QDBusConnection::connectToBus(busAddress, name), {queue, defaults_, prompt_, wake_}),
-          app_(preferences_,
-               {queue, defaults_, central_, wake_, poster, layouts, bridge_, [] { return std::string(); }}) {}
+          app_(preferences_, {queue, defaults_, central_, wake_, poster, layouts, bridge_,
+                              [] { return std::string(); }, shell_.ports()}) {}
 
     /// Brings up the session; false when it does not come.
     [[nodiscard]] bool connect() {
@@ -136,6 +137,7 @@ class Program {
 
   private:
     MemoryDefaults defaults_;
+    SimulatedShell shell_;
     AppPreferences preferences_{defaults_};
     NoPrompt prompt_;
     WakeNotifier wake_;

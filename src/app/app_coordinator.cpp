@@ -6,6 +6,9 @@ AppCoordinator::AppCoordinator(AppPreferences& appPreferences, const Ports& port
     : preferences(appPreferences),
       trustStore(ports.defaults, "trustedDevices.v1"),
       inputManager(ports.poster, ports.layouts),
+      accessibilityManager(ports.queue, ports.shell.inputPermission, ports.shell.urls,
+                           ports.shell.activation),
+      loginItemManager(ports.shell.loginItem, ports.shell.activation),
       centralManager(trustStore, {ports.queue, ports.central, ports.wake, ports.bridge, ports.computerName}) {
     centralManager.setAutoConnectEnabled(*preferences.autoConnect);
     centralManager.onInputPacket = [this](const DecodedPacket& packet) { inputManager.handle(packet); };

@@ -3,7 +3,9 @@
 #include <functional>
 #include <string>
 
+#include "app/accessibility_permission_manager.h"
 #include "app/app_preferences.h"
+#include "app/login_item_manager.h"
 #include "input/input_injection_manager.h"
 #include "link/central_ble_manager.h"
 #include "trust/trusted_device_store.h"
@@ -23,6 +25,13 @@ namespace orbinex {
 /// | link | editor command, session up or down | editor bridge |
 class AppCoordinator {
   public:
+    /// What the program's own place on the desktop stands on.
+    struct ShellPorts {
+        InputPermission& inputPermission;
+        LoginItemService& loginItem;
+        UrlOpener& urls;
+        ActivationNotifier& activation;
+    };
     /// What the managers stand on; all of it must outlive the coordinator.
     struct Ports {
         MainQueue& queue;
@@ -34,6 +43,7 @@ class AppCoordinator {
         EditorBridge& bridge;
         /// This computer's name, empty when it has none.
         std::function<std::string()> computerName;
+        ShellPorts shell;
     };
 
     AppCoordinator(AppPreferences& preferences, const Ports& ports);
@@ -44,6 +54,8 @@ class AppCoordinator {
     AppPreferences& preferences;
     TrustedDeviceStore trustStore;
     InputInjectionManager inputManager;
+    AccessibilityPermissionManager accessibilityManager;
+    LoginItemManager loginItemManager;
     CentralBLEManager centralManager;
 
   private:

@@ -7,6 +7,7 @@
 #include "sim/recording_event_poster.h"
 #include "sim/scripted_layout.h"
 #include "sim/simulated_radio.h"
+#include "sim/simulated_shell.h"
 #include "sim/virtual_main_queue.h"
 
 namespace orbinex {
@@ -22,10 +23,12 @@ struct Program {
     RecordingEventPoster poster;
     ScriptedLayoutSource layouts;
     RecordingBridge bridge;
+    SimulatedShell shell;
     AppPreferences preferences{defaults};
     SimulatedPhone& phone = radio.addPhone(UUID::random(), {2, UUID::random(), "Studio iPhone"});
-    AppCoordinator app{preferences,
-                       {queue, defaults, radio, wake, poster, layouts, bridge, [] { return std::string(); }}};
+    AppCoordinator app{
+        preferences,
+        {queue, defaults, radio, wake, poster, layouts, bridge, [] { return std::string(); }, shell.ports()}};
 
     void establish() {
         queue.advance(2s);

@@ -15,6 +15,7 @@
 #include "sim/recording_event_poster.h"
 #include "sim/scripted_layout.h"
 #include "sim/simulated_radio.h"
+#include "sim/simulated_shell.h"
 #include "sim/virtual_main_queue.h"
 
 namespace orbinex {
@@ -135,7 +136,7 @@ class Storm {
         preferences_ = std::make_unique<AppPreferences>(defaults_);
         app_ = std::make_unique<AppCoordinator>(
             *preferences_, AppCoordinator::Ports{queue_, defaults_, radio_, wake_, poster_, layouts_, bridge_,
-                                                 [] { return std::string("Host"); }});
+                                                 [] { return std::string("Host"); }, shell_.ports()});
     }
 
     /// The program ends and is started again, with everything that was under way.
@@ -296,6 +297,7 @@ class Storm {
     ScriptedLayoutSource layouts_;
     RecordingBridge bridge_;
     std::vector<SimulatedPhone*> phones_;
+    SimulatedShell shell_;
     std::unique_ptr<AppPreferences> preferences_;
     std::unique_ptr<AppCoordinator> app_;
     HeldDown held_;

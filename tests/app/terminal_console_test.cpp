@@ -15,6 +15,7 @@
 #include "sim/recording_event_poster.h"
 #include "sim/scripted_layout.h"
 #include "sim/simulated_radio.h"
+#include "sim/simulated_shell.h"
 #include "sim/virtual_main_queue.h"
 
 namespace orbinex {
@@ -32,9 +33,11 @@ struct Terminal {
     RecordingEventPoster poster;
     ScriptedLayoutSource layouts;
     RecordingBridge bridge;
+    SimulatedShell shell;
     AppPreferences preferences{defaults};
-    AppCoordinator app{preferences,
-                       {queue, defaults, radio, wake, poster, layouts, bridge, [] { return std::string(); }}};
+    AppCoordinator app{
+        preferences,
+        {queue, defaults, radio, wake, poster, layouts, bridge, [] { return std::string(); }, shell.ports()}};
     Lines printed;
     Lines statuses;  ///< that a line has set off
     Subscription observer = app.centralManager.statusMessage.onDidChange(

@@ -24,6 +24,7 @@
 #include "sim/recording_event_poster.h"
 #include "sim/scripted_layout.h"
 #include "sim/simulated_radio.h"
+#include "sim/simulated_shell.h"
 #include "sim/simulated_system_volume.h"
 #include "sim/simulated_workspace.h"
 
@@ -115,9 +116,11 @@ class EditorSessionTest : public testing::Test {
     WakeNotifier wake;
     RecordingEventPoster poster;
     ScriptedLayoutSource layouts;
+    SimulatedShell shell;
     AppPreferences preferences{defaults};
     AppCoordinator program{
-        preferences, {queue, defaults, radio, wake, poster, layouts, bridge, [] { return std::string(); }}};
+        preferences,
+        {queue, defaults, radio, wake, poster, layouts, bridge, [] { return std::string(); }, shell.ports()}};
 };
 
 /// What the phone sends, what the editor is asked for, and what the phone is told then.

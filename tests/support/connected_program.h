@@ -5,6 +5,7 @@
 #include "app/app_coordinator.h"
 #include "sim/idle_editor_bridge.h"
 #include "sim/memory_defaults.h"
+#include "sim/simulated_shell.h"
 #include "support/direct_central.h"
 
 namespace orbinex::test {
@@ -13,8 +14,8 @@ namespace orbinex::test {
 struct ConnectedProgram {
     ConnectedProgram(MainQueue& mainQueue, EventPoster& poster, KeyboardLayoutSource& layouts)
         : queue(mainQueue),
-          app(preferences,
-              {mainQueue, defaults, central, wake, poster, layouts, bridge, [] { return std::string(); }}) {}
+          app(preferences, {mainQueue, defaults, central, wake, poster, layouts, bridge,
+                            [] { return std::string(); }, shell.ports()}) {}
 
     /// Brings up the session; `runQueue` runs what the queue has due. False when the session does not come.
     template <class RunQueue>
@@ -29,6 +30,7 @@ struct ConnectedProgram {
 
     MainQueue& queue;
     MemoryDefaults defaults;
+    SimulatedShell shell;
     AppPreferences preferences{defaults};
     DirectCentral central{queue};
     WakeNotifier wake;

@@ -28,7 +28,7 @@ Program::Program(EventLoop& loop, Report& report, const LinuxEditorBridge::Place
                      }),
       editors_(queue_, places),
       coordinator_(preferences_, {queue_, defaults_, radio_, wake_, poster_, layouts_, editors_.daemon(),
-                                  [] { return std::string(computerName); }}) {
+                                  [] { return std::string(computerName); }, shell_.ports()}) {
     phone_.setAdvertising(false);
     report.says(*link().statusMessage);
     statusLines_ = link().statusMessage.onDidChange([&](const std::string& line) { report.says(line); });

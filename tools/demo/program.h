@@ -15,6 +15,7 @@
 #include "report.h"
 #include "sim/memory_defaults.h"
 #include "sim/simulated_radio.h"
+#include "sim/simulated_shell.h"
 
 namespace orbinex::demo {
 
@@ -50,6 +51,7 @@ class Program {
     X11KeyboardLayoutSource layouts_{*connection_, queue_};
     FdWatch displayEvents_;
     LinuxEditorBridge editors_;
+    SimulatedShell shell_;
     AppPreferences preferences_{defaults_};
     AppCoordinator coordinator_;
     Subscription statusLines_;

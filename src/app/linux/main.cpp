@@ -3,24 +3,38 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <cstdio>
+#include <cstdlib>
 #include <optional>
 #include <string>
 #include <system_error>
 #include <utility>
 
 #include "app/app_coordinator.h"
+#include "app/app_delegate.h"
+#include "app/linux/autostart_entry.h"
 #include "app/linux/computer_name.h"
+#include "app/linux/desktop_opener.h"
+#include "app/linux/detached_program.h"
 #include "app/linux/fd_watch.h"
+#include "app/linux/linux_bundle.h"
 #include "app/linux/linux_editor_bridge.h"
+#include "app/linux/program_place.h"
 #include "app/linux/qt_main_queue.h"
+#include "app/linux/runtime_folder.h"
 #include "app/linux/settings_defaults.h"
+#include "app/linux/settings_panels.h"
+#include "app/linux/single_instance.h"
 #include "app/linux/standard_input.h"
 #include "app/linux/standard_streams.h"
 #include "app/linux/system_bus.h"
 #include "app/linux/unix_signals.h"
+#include "app/linux/user_folders.h"
+#include "app/linux/xdg_autostart.h"
+#include "app/product_version.h"
 #include "app/terminal_console.h"
 #include "app/terminal_prompt.h"
 #include "app/terminal_text.h"
+#include "app/x11/x11_input_permission.h"
 #include "input/uinput/uinput_scroll.h"
 #include "input/x11/x11_connection.h"
 #include "input/x11/x11_event_poster.h"
@@ -39,6 +53,7 @@ void say(const std::string& line) {
 
 struct Options {
     QString adapter;
+    bool isLoginLaunch = false;
     LinuxEditorBridge::Places places = LinuxEditorBridge::usualPlaces();
 };
 
@@ -47,15 +62,41 @@ Options parse(const QCoreApplication& application) {
     parser.setApplicationDescription(
         "Makes an iPhone the trackpad, keyboard and editing surface of this computer.");
     parser.addHelpOption();
+    parser.addVersionOption();
     const QCommandLineOption adapter("adapter", "Use only this Bluetooth adapter, such as hci0.", "name");
     const QCommandLineOption host("script-host",
                                   "The editor's scripting host, where it is not in its usual place.", "file");
-    parser.addOptions({adapter, host});
+    const QCommandLineOption login(QString(loginLaunchArgument).mid(2),
+                                   "The start at login: no window is shown.");
+    parser.addOptions({adapter, host, login});
     parser.process(application);
     Options options;
     options.adapter = parser.value(adapter);
+    options.isLoginLaunch = parser.isSet(login);
     if (parser.isSet(host)) options.places.scriptHost = parser.value(host).toStdString();
     return options;
+}
+
+std::string variable(const char* name) {
+    const char* const value = std::getenv(name);
+    return value ? value : "";
+}
+
+/// Nothing when this process is to go on: it is the one that runs now, or nobody can tell.
+std::optional<int> endOfLaterStart(SingleInstance& instance) {
+    auto token = variable("XDG_ACTIVATION_TOKEN");
+    if (token.empty()) token = variable("DESKTOP_STARTUP_ID");
+    switch (instance.claim(token)) {
+        case SingleInstance::Claim::first: return std::nullopt;
+        case SingleInstance::Claim::told: return 0;
+        case SingleInstance::Claim::unanswered:
+            std::fprintf(stderr, "orbinex: it runs already, but does not answer. End that first.\n");
+            return 1;
+        case SingleInstance::Claim::unavailable: break;
+    }
+    std::fprintf(stderr,
+                 "orbinex: cannot tell whether it runs already, as no folder is this user's alone.\n");
+    return std::nullopt;
 }
 
 }  // namespace
@@ -63,7 +104,10 @@ Options parse(const QCoreApplication& application) {
 int main(int argc, char** argv) {
     prepareStandardStreams();
     const QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationVersion(QString::fromUtf8(shortVersion.data(), shortVersion.size()));
     const Options options = parse(application);
+    SingleInstance instance(privateRuntimeFolder(variable("XDG_RUNTIME_DIR")));
+    if (const auto end = endOfLaterStart(instance)) return *end;
     QtMainQueue queue;
     int status = 0;
     const UnixSignals signals([&](int) { QCoreApplication::exit(status); });
@@ -96,11 +140,39 @@ int main(int argc, char** argv) {
     LogindWake wake(bus.connection());
     BluezCentral central(bus.connection(), {queue, defaults, prompt, wake, options.adapter});
     LinuxEditorBridge editors(queue, options.places);
-    AppCoordinator coordinator(
-        preferences, {queue, defaults, central, wake, poster, layouts, editors.daemon(), computerName});
+
+    const auto place = ownPlace();
+    const auto folders = UserFolders::fromEnvironment();
+    DesktopOpener opener(currentDesktops(), folders.config, startDetached);
+    XdgAutostart loginItem({folders.config, place.program, currentDesktops()},
+                           [&] { opener.openPanel(SettingsPanel::loginItems); });
+    X11InputPermission inputPermission(*display);
+    ActivationNotifier activation;
+    AppCoordinator coordinator(preferences, {queue,
+                                             defaults,
+                                             central,
+                                             wake,
+                                             poster,
+                                             layouts,
+                                             editors.daemon(),
+                                             computerName,
+                                             {inputPermission, loginItem, opener, activation}});
+    LinuxBundle bundle(
+        place, folders,
+        {queue,
+         opener,
+         startDetached,
+         {[&] { instance.release(); }, [&] { return instance.isTaken(); }, [&] { instance.reclaim(); }},
+         [] { QCoreApplication::quit(); }});
+    AppRelocationManager relocation(queue, defaults, bundle);
+
+    // On a terminal there is no window to open; what it would show first is how things are.
+    AppDelegate delegate(preferences, relocation, [&] { say(*coordinator.centralManager.statusMessage); });
+    delegate.willFinishLaunching();
+    delegate.didFinishLaunching(options.isLoginLaunch);
+    instance.serve(queue, [&](const std::string&) { delegate.handleSecondLaunch(); });
 
     std::string shown = *coordinator.centralManager.statusMessage;
-    say(shown);
     const auto lines = coordinator.centralManager.statusMessage.onDidChange([&](const std::string& line) {
         if (std::exchange(shown, line) != line) say(line);
     });
@@ -108,6 +180,11 @@ int main(int argc, char** argv) {
         coordinator.centralManager.alert.onDidChange([](const std::optional<BLEAlert>& alert) {
             if (alert) say(alert->title + ": " + alert->message);
         });
+    const auto sayMissing = [](const std::string& line) {
+        if (!line.empty()) say(line);
+    };
+    sayMissing(*coordinator.accessibilityManager.explanation);
+    const auto missing = coordinator.accessibilityManager.explanation.onDidChange(sayMissing);
     TerminalConsole console(coordinator, prompt, say, [] { QCoreApplication::quit(); });
     const StandardInput input(
         queue, [&](const std::string& line) { console.execute(line); }, [&] { prompt.inputEnded(); });

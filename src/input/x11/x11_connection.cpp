@@ -77,7 +77,7 @@ bool X11Connection::hasExtensions() {
     int error = 0;
     int major = 0;
     int minor = 0;
-    if (!XTestQueryExtension(display_, &event, &error, &major, &minor)) return false;
+    hasXTest_ = XTestQueryExtension(display_, &event, &error, &major, &minor);
 
     major = XkbMajorVersion;
     minor = XkbMinorVersion;

@@ -17,7 +17,7 @@ namespace orbinex {
 class X11Connection {
   public:
     /// Connects to the display (empty: the one in the environment). Nothing when that fails or the server
-    /// lacks an extension that input needs (XTEST, XKEYBOARD, RANDR 1.5).
+    /// lacks an extension that knowing its keyboard and its screens needs (XKEYBOARD, RANDR 1.5).
     static std::unique_ptr<X11Connection> open(const std::string& displayName = {});
     X11Connection(const X11Connection&) = delete;
     X11Connection& operator=(const X11Connection&) = delete;
@@ -31,6 +31,8 @@ class X11Connection {
     /// False once the server has gone. Ask before every use of the display: Xlib's requests are not safe
     /// then.
     [[nodiscard]] bool isAlive() const;
+    /// The server has the XTEST extension. Without it nothing can be posted, and nothing of it may be asked.
+    [[nodiscard]] bool hasXTest() const { return hasXTest_; }
     /// Sends what is buffered; false when the server has gone.
     bool flush();
 
@@ -54,6 +56,7 @@ class X11Connection {
     xcb_connection_t* xcb_;
     std::unique_ptr<State> state_;
     unsigned long root_ = 0;
+    bool hasXTest_ = false;
     int xkbEventBase_ = 0;
     int randrEventBase_ = 0;
     Signal<_XEvent*> events_;

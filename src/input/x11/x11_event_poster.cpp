@@ -65,7 +65,7 @@ bool X11EventPoster::postKey(const KeyEvent& event) {
 }
 
 bool X11EventPoster::postUnicode(std::u16string_view units, bool isDown) {
-    if (!isDown) return connection_.isAlive();
+    if (!isDown) return connection_.isAlive() && connection_.hasXTest();
     bool isPosted = true;
     for (const char16_t unit : units) {
         if (unit >= 0xD800 && unit < 0xDC00) {
@@ -84,7 +84,7 @@ bool X11EventPoster::postUnicode(std::u16string_view units, bool isDown) {
 }
 
 bool X11EventPoster::post(const Operation& operation) {
-    if (!connection_.isAlive()) return false;
+    if (!connection_.isAlive() || !connection_.hasXTest()) return false;
     if (!waiting_.empty()) return enqueue(operation);
     const Outcome outcome = std::visit([this](const auto& event) { return perform(event); }, operation);
     if (outcome == Outcome::later) return enqueue(operation);

@@ -19,6 +19,7 @@
 #include "sim/idle_editor_bridge.h"
 #include "sim/memory_defaults.h"
 #include "sim/simulated_radio.h"
+#include "sim/simulated_shell.h"
 #include "support/private_x_server.h"
 
 namespace orbinex::test {
@@ -79,9 +80,10 @@ TEST(Program, endsWhenTheDisplayGoes) {
         WakeNotifier wake;
         IdleEditorBridge bridge;
         MemoryDefaults defaults;
+        SimulatedShell shell;
         AppPreferences preferences(defaults);
         AppCoordinator app(preferences, {queue, defaults, radio, wake, poster, layouts, bridge,
-                                         [] { return std::string(); }});
+                                         [] { return std::string(); }, shell.ports()});
         const auto found = app.centralManager.nearbyDevices.onDidChange([&](const NearbyList& list) {
             if (!list.empty() && !app.centralManager.session())
                 queue.post([&] { app.centralManager.connectNearbyDevice(phone.identifier()); });

@@ -1,0 +1,44 @@
+#include "app/linux/autostart_entry.h"
+
+#include <algorithm>
+
+#include "app/linux/application_id.h"
+#include "app/linux/desktop_entry.h"
+
+namespace orbinex {
+
+namespace {
+
+bool isNamed(const std::vector<std::string>& names, const std::vector<std::string>& desktops) {
+    return std::ranges::any_of(
+        desktops, [&](const auto& desktop) { return std::ranges::find(names, desktop) != names.end(); });
+}
+
+bool isTurnedOff(std::string_view text, const std::vector<std::string>& desktops) {
+    if (desktopEntryFlag(text, "Hidden") == true) return true;
+    if (desktopEntryFlag(text, "X-GNOME-Autostart-enabled") == false) return true;
+    if (desktopEntryFlag(text, "X-MATE-Autostart-enabled") == false) return true;
+    const auto only = desktopEntryList(text, "OnlyShowIn");
+    return (!only.empty() && !isNamed(only, desktops)) ||
+           isNamed(desktopEntryList(text, "NotShowIn"), desktops);
+}
+
+}  // namespace
+
+LoginItemStatus autostartStatus(const std::optional<std::string>& text,
+                                const std::vector<std::string>& desktops,
+                                const std::function<bool(const std::string&)>& isProgram) {
+    if (!text) return LoginItemStatus::notRegistered;
+    if (isTurnedOff(*text, desktops)) return LoginItemStatus::requiresApproval;
+    const auto arguments = execArguments(desktopEntryValue(*text, "Exec").value_or(std::string()));
+    const bool isThere = !arguments.empty() && isProgram(arguments.front());
+    return isThere ? LoginItemStatus::enabled : LoginItemStatus::notFound;
+}
+
+std::string autostartText(const std::string& program) {
+    return std::string("[Desktop Entry]\nType=Application\nName=Orbinex\n") +
+           execLine({program, loginLaunchArgument}) + "Icon=" + applicationId +
+           "\nTerminal=false\nX-GNOME-Autostart-enabled=true\n";
+}
+
+}  // namespace orbinex

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orbinex {
+
+// Desktop entries as the Desktop Entry Specification (1.5) has them: the key files that launchers, menus and
+// the start at login read.
+
+/// The value of a key of the group "Desktop Entry", with the escapes of strings undone. Nothing when the text
+/// has no such group or key. Of a key that is there twice, the first.
+[[nodiscard]] std::optional<std::string> desktopEntryValue(std::string_view text, std::string_view key);
+/// True for "true"; nothing as above, or for any value but "true" and "false".
+[[nodiscard]] std::optional<bool> desktopEntryFlag(std::string_view text, std::string_view key);
+/// The values of a list, which semicolons separate; empty as above.
+[[nodiscard]] std::vector<std::string> desktopEntryList(std::string_view text, std::string_view key);
+
+/// The arguments of a command line as the key Exec holds it; quotes that do not close end at the end.
+[[nodiscard]] std::vector<std::string> execArguments(std::string_view exec);
+/// A line of a desktop entry that makes launchers start just these arguments.
+[[nodiscard]] std::string execLine(const std::vector<std::string>& arguments);
+
+/// A value with the escapes that strings need.
+[[nodiscard]] std::string escapedValue(std::string_view value);
+
+}  // namespace orbinex

@@ -1,0 +1,144 @@
+#include "app/linux/linux_bundle.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QFile>
+#include <QStringList>
+#include <QUrl>
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include <sys/stat.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+#include "app/linux/application_id.h"
+#include "app/linux/desktop_entry.h"
+#include "app/linux/folder_copy.h"
+#include "app/linux/small_file.h"
+
+namespace orbinex {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// What browsers write down of a download.
+constexpr std::array downloadMarks{"user.xdg.origin.url", "user.xdg.referrer.url"};
+
+void removeDownloadMarks(const std::string& path) {
+    std::error_code error;
+    const auto clear = [](const fs::path& item) {
+        for (const char* const mark : downloadMarks) ::lremovexattr(item.c_str(), mark);
+    };
+    clear(path);
+    if (!fs::is_directory(fs::symlink_status(path, error))) return;
+    for (fs::recursive_directory_iterator item(path, error), end; !error && item != end;
+         item.increment(error))
+        clear(item->path());
+}
+
+std::string launcherText(const std::string& program) {
+    return std::string(
+               "[Desktop Entry]\nType=Application\nName=Orbinex\n"
+               "Comment=Use your iPhone as trackpad, keyboard and editing surface\n") +
+           execLine({program}) + "Icon=" + applicationId +
+           "\nTerminal=false\nCategories=Utility;\nStartupWMClass=orbinex\n";
+}
+
+QDBusMessage showInFileManager(const std::string& path) {
+    auto message =
+        QDBusMessage::createMethodCall("org.freedesktop.FileManager1", "/org/freedesktop/FileManager1",
+                                       "org.freedesktop.FileManager1", "ShowItems");
+    message << QStringList(QUrl::fromLocalFile(QFile::decodeName(path.c_str())).toString(QUrl::FullyEncoded))
+            << QString();
+    return message;
+}
+
+}  // namespace
+
+LinuxBundle::LinuxBundle(ProgramPlace place, UserFolders folders, Ports ports)
+    : place_(std::move(place)), folders_(std::move(folders)), ports_(std::move(ports)) {}
+
+bool LinuxBundle::hasEnvironmentVariable(const char* name) const {
+    return std::getenv(name) != nullptr;
+}
+
+bool LinuxBundle::isWritable(const std::string& folder) {
+    std::error_code error;
+    fs::create_directories(folder, error);
+    return fs::is_directory(folder, error) && ::access(folder.c_str(), W_OK | X_OK) == 0;
+}
+
+bool LinuxBundle::exists(const std::string& path) const {
+    struct stat about {};
+    return ::lstat(path.c_str(), &about) == 0;
+}
+
+bool LinuxBundle::moveToTrash(const std::string& path) {
+    return QFile::moveToTrash(QFile::decodeName(path.c_str()));
+}
+
+bool LinuxBundle::remove(const std::string& path) {
+    std::error_code error;
+    fs::remove_all(path, error);
+    return !error;
+}
+
+bool LinuxBundle::copy(const std::string& from, const std::string& to) {
+    return copyWhole(from, to);
+}
+
+std::string LinuxBundle::programIn(const std::string& copy) const {
+    std::error_code error;
+    return fs::is_directory(copy, error) ? copy + "/bin/orbinex" : copy;
+}
+
+void LinuxBundle::prepareCopy(const std::string& path) {
+    removeDownloadMarks(path);
+    const std::string program = programIn(path);
+    std::error_code error;
+    fs::permissions(program, fs::perms::owner_exec, fs::perm_options::add, error);
+    const std::string icon = std::string("/icons/hicolor/scalable/apps/") + applicationId + ".svg";
+    if (const auto drawing = readSmallFile(place_.root + "/share" + icon))
+        writeSmallFile(folders_.data + icon, *drawing);
+    writeSmallFile(folders_.data + "/applications/" + applicationId + ".desktop", launcherText(program));
+}
+
+void LinuxBundle::launch(const std::string& path, std::function<void(bool)> answer) {
+    answer_ = std::move(answer);
+    ports_.handover.release();
+    if (!ports_.start({programIn(path)}))
+        return ports_.queue.post(lifetime_.guard([this] { finishLaunch(false); }));
+    const auto deadline = ports_.queue.uptime() + launchLimit;
+    launchCheck_ = ports_.queue.every(launchCheckInterval, [this, deadline] {
+        if (ports_.handover.isTaken()) return finishLaunch(true);
+        if (ports_.queue.uptime() >= deadline) finishLaunch(false);
+    });
+}
+
+void LinuxBundle::finishLaunch(bool isRunning) {
+    launchCheck_.cancel();
+    if (!isRunning) ports_.handover.reclaim();
+    std::exchange(answer_, nullptr)(isRunning);
+}
+
+void LinuxBundle::reveal(const std::string& path) {
+    constexpr int longest = 3000;  // milliseconds
+    const auto answer = QDBusConnection::sessionBus().asyncCall(showInFileManager(path), longest);
+    auto* const watcher = new QDBusPendingCallWatcher(answer);
+    auto finish = lifetime_.guard([this, path, watcher] {
+        // Without a bus or a file manager on it, any program that shows folders will do.
+        if (watcher->isError()) ports_.opener.openFolder(fs::path(path).parent_path());
+    });
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [finish, watcher]() mutable {
+        finish();
+        watcher->deleteLater();
+    });
+}
+
+}  // namespace orbinex

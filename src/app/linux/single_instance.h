@@ -1,0 +1,75 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <functional>
+#include <list>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "base/lifetime.h"
+#include "base/main_queue.h"
+
+namespace orbinex {
+
+class FdWatch;
+
+/// One running instance a user. Whoever holds the lock in the folder is it, until its process ends, however
+/// that ends; the socket beside the lock takes what later ones ask for. Only processes of the same user are
+/// listened to and believed.
+class SingleInstance {
+  public:
+    enum class Claim {
+        first,        ///< this process is the instance now
+        told,         ///< another is, and has been asked to show itself
+        unanswered,   ///< another is, and does not answer
+        unavailable,  ///< the folder cannot be used: nobody can tell
+    };
+    /// How long the other one may take to answer.
+    static constexpr std::chrono::milliseconds usualLimit{3000};
+    /// Connections that may be open at once; a further one closes the oldest.
+    static constexpr std::size_t maximumVisitors = 8;
+
+    /// A folder of this user's alone; without one, nobody can tell.
+    explicit SingleInstance(const std::optional<std::string>& folder);
+    SingleInstance(const SingleInstance&) = delete;
+    SingleInstance& operator=(const SingleInstance&) = delete;
+    /// Gives the place up.
+    ~SingleInstance();
+
+    /// Blocks for about the limit at most. `startupToken` is what the desktop has given the new process so
+    /// that a window may come to the front; any text, empty for none.
+    [[nodiscard]] Claim claim(std::string_view startupToken, std::chrono::milliseconds limit = usualLimit);
+    /// Calls back for every later start, with its startup token. To be called by the first, once there is an
+    /// event loop; starts that came before are answered then. The queue must outlive this object.
+    void serve(MainQueue& queue, std::function<void(const std::string& startupToken)> onSecondLaunch);
+
+    /// Lets another process take the place.
+    void release();
+    /// Another process has it.
+    [[nodiscard]] bool isTaken() const;
+    /// Takes the place again, and serves as before, if nobody else has it.
+    void reclaim();
+
+  private:
+    struct Visitor;
+
+    [[nodiscard]] bool takePlace();
+    void startServing();
+    void admit();
+    void hear(Visitor& visitor);
+
+    std::string socketPath_;
+    std::string lockPath_;
+    int lock_ = -1;
+    int listener_ = -1;
+    MainQueue* queue_ = nullptr;
+    std::function<void(const std::string&)> onSecondLaunch_;
+    std::unique_ptr<FdWatch> watch_;
+    std::list<std::unique_ptr<Visitor>> visitors_;
+    Lifetime lifetime_;
+};
+
+}  // namespace orbinex

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "app/login_item_service.h"
+
+namespace orbinex {
+
+/// The start at login that desktops on Linux have: a file in the autostart folder of the user's settings.
+class XdgAutostart final : public LoginItemService {
+  public:
+    struct Places {
+        /// The user's settings folder; the autostart folder need not exist there.
+        std::string config;
+        /// What is started at login, an absolute path.
+        std::string program;
+        /// The names in XDG_CURRENT_DESKTOP.
+        std::vector<std::string> desktops;
+    };
+
+    XdgAutostart(Places places, std::function<void()> openSettings);
+
+    [[nodiscard]] LoginItemStatus status() const override;
+    Failure registerItem() override;
+    Failure unregisterItem() override;
+    void openSystemSettings() override { openSettings_(); }
+
+  private:
+    Places places_;
+    std::string file_;
+    std::function<void()> openSettings_;
+};
+
+}  // namespace orbinex
