@@ -5,27 +5,31 @@
 
 namespace orbinex {
 
-bool ChunkPlan::read(Chunk chunk, Time now) {
-    Place* const place = enter(chunk, now);
-    if (!place) return false;
-    if (place->state == State::atHand && !place->isComplete && now - place->fetchTime > incompleteLife)
-        place->state = State::wanted;
-    return place->state == State::atHand;
+bool ChunkPlan::read(Range chunks, Time now) {
+    bool areAtHand = true;
+    for (Chunk chunk = chunks.first; chunk <= chunks.last; ++chunk) {
+        Place* const place = enter(chunk, chunks, now);
+        if (place && place->state == State::atHand && !place->isComplete &&
+            now - place->fetchTime > incompleteLife)
+            place->state = State::wanted;
+        areAtHand &= place && place->state == State::atHand;
+    }
+    return areAtHand;
 }
 
-void ChunkPlan::noteRead(Chunk chunk, Time now) {
-    Place* const place = enter(chunk, now);
-    if (!place || place->state != State::wanted) return;
-    place->state = State::atHand;
-    place->isComplete = true;
+void ChunkPlan::noteRead(Range chunks, Time now) {
+    for (Chunk chunk = chunks.first; chunk <= chunks.last; ++chunk) {
+        Place* const place = enter(chunk, chunks, now);
+        if (!place || place->state != State::wanted) continue;
+        place->state = State::atHand;
+        place->isComplete = true;
+    }
 }
 
-/// Play is in this chunk.
-ChunkPlan::Place* ChunkPlan::enter(Chunk chunk, Time now) {
+ChunkPlan::Place* ChunkPlan::enter(Chunk chunk, Range read, Time now) {
     if (chunk < 0 || chunk >= chunkCount_) return nullptr;
     lastTime_ = now;
     auto slot = slotOf(chunk);
-    const bool isEntered = !slot || places_[*slot].distance > 0;
     if (!slot) {
         const int direction = directionOfEntry(chunk);
         slot = claim(chunk, 0, now);
@@ -36,16 +40,19 @@ ChunkPlan::Place* ChunkPlan::enter(Chunk chunk, Time now) {
     use(place, now);
     place.distance = 0;
     place.isPassed = false;
-    if (isEntered) {
-        if (const auto behind = slotOf(chunk - place.direction)) places_[*behind].isPassed = true;
+    const Chunk behind = chunk - place.direction;
+    if (!place.isSettled && (behind < read.first || behind > read.last)) {
+        if (const auto left = slotOf(behind)) places_[*left].isPassed = true;
+        place.isSettled = true;
     }
     for (int distance = 1; distance <= readAhead; ++distance)
         wantAhead(chunk + distance * place.direction, distance, place.direction, now);
     return &place;
 }
 
-void ChunkPlan::lose(Chunk chunk) {
-    if (const auto slot = find(chunk)) places_[*slot].state = State::wanted;
+void ChunkPlan::lose(Range chunks) {
+    for (Chunk chunk = chunks.first; chunk <= chunks.last; ++chunk)
+        if (const auto slot = find(chunk)) places_[*slot].state = State::wanted;
 }
 
 void ChunkPlan::loseAll() {
@@ -56,6 +63,12 @@ void ChunkPlan::loseAll() {
 std::optional<ChunkPlan::Slot> ChunkPlan::find(Chunk chunk) const {
     const auto slot = slotOf(chunk);
     return slot && places_[*slot].state == State::atHand ? slot : std::nullopt;
+}
+
+bool ChunkPlan::areAtHand(Range chunks) const {
+    for (Chunk chunk = chunks.first; chunk <= chunks.last; ++chunk)
+        if (!find(chunk)) return false;
+    return true;
 }
 
 std::optional<ChunkPlan::Fetch> ChunkPlan::beginFetch() {
@@ -97,10 +110,11 @@ std::optional<ChunkPlan::Slot> ChunkPlan::slotOf(Chunk chunk) const {
 }
 
 int ChunkPlan::directionOfEntry(Chunk chunk) const {
-    const auto above = slotOf(chunk + 1);
-    if (!above) return 1;
-    const auto below = slotOf(chunk - 1);
-    return below && places_[*below].lastUse > places_[*above].lastUse ? 1 : -1;
+    const auto lastRead = [this](Chunk neighbour) {
+        const auto slot = slotOf(neighbour);
+        return slot && places_[*slot].distance == 0 ? places_[*slot].lastUse : 0;
+    };
+    return lastRead(chunk + 1) > lastRead(chunk - 1) ? -1 : 1;
 }
 
 void ChunkPlan::use(Place& place, Time now) {
@@ -146,7 +160,7 @@ std::optional<int> ChunkPlan::costOfReplacing(const Place& place, int distance, 
     if (place.state == State::empty) return 1;
     // Before the empty ones, so that a file that is read in one place only takes little memory.
     if (now - place.lastUseTime > unusedLife) return 0;
-    if (place.isPassed) return 2;
+    if (place.isPassed && now - place.lastUseTime > roundTime) return 2;
     if (place.distance <= distance && distance > 0) return std::nullopt;
     return 3 + readAhead - place.distance;
 }

@@ -27,6 +27,8 @@ class ChunkPlan {
     static constexpr Time incompleteLife = std::chrono::milliseconds(500);
     /// What was not looked at for this long is not needed any more.
     static constexpr Time unusedLife = std::chrono::milliseconds(500);
+    /// Reads closer together than this may belong to one look at the file, which comes back to them all.
+    static constexpr Time roundTime = std::chrono::milliseconds(30);
     /// A chunk that was missed this long ago is not worth fetching.
     static constexpr Time wantLife = std::chrono::milliseconds(200);
 
@@ -40,15 +42,22 @@ class ChunkPlan {
     /// `chunkCount` at least 0.
     explicit ChunkPlan(Chunk chunkCount) : chunkCount_(chunkCount) { chunks_.fill(none); }
 
-    /// Somebody reads the chunk. True when it is at hand; otherwise it is to be fetched, if it exists.
-    bool read(Chunk chunk, Time now);
-    /// Somebody has read the chunk, which was at hand anyway.
-    void noteRead(Chunk chunk, Time now);
-    /// The chunk is not at hand any more, though it was. Without a chunk: none is.
-    void lose(Chunk chunk);
+    struct Range {
+        Chunk first;
+        Chunk last;
+    };
+
+    /// Somebody reads these chunks. True when all are at hand; otherwise they are to be fetched, as far as
+    /// they exist.
+    bool read(Range chunks, Time now);
+    /// Somebody has read these chunks, which were at hand anyway.
+    void noteRead(Range chunks, Time now);
+    /// Chunks are not at hand any more, though they were.
+    void lose(Range chunks);
     void loseAll();
     /// Where the chunk is, if it is at hand.
     [[nodiscard]] std::optional<Slot> find(Chunk chunk) const;
+    [[nodiscard]] bool areAtHand(Range chunks) const;
 
     /// What to fetch next, and where to; it is being fetched from then on.
     std::optional<Fetch> beginFetch();
@@ -64,6 +73,8 @@ class ChunkPlan {
         bool isComplete = false;
         /// Play has moved on to the next chunk.
         bool isPassed = false;
+        /// Play has left the chunk that it came from.
+        bool isSettled = false;
         /// Chunks ahead of what was read; 0 once it was read itself.
         int distance = 0;
         /// Of play: 1 or -1.
@@ -75,8 +86,8 @@ class ChunkPlan {
 
     [[nodiscard]] std::optional<Slot> slotOf(Chunk chunk) const;
     [[nodiscard]] int directionOfEntry(Chunk chunk) const;
-    /// Null when no place can be had for it.
-    Place* enter(Chunk chunk, Time now);
+    /// Play is in this chunk, in the course of a read. Null when no place can be had for it.
+    Place* enter(Chunk chunk, Range read, Time now);
     void use(Place& place, Time now);
     void wantAhead(Chunk chunk, int distance, int direction, Time now);
     std::optional<Slot> claim(Chunk chunk, int distance, Time now);

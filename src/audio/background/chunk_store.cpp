@@ -2,14 +2,13 @@
 
 namespace orbinex {
 
-bool ChunkStore::bring(Chunk first, Chunk last) {
+bool ChunkStore::bring(Range chunks) {
     bool isMissing = false;
     bool hasWork = false;
     bool mayWait = false;
     {
         const std::lock_guard lock(mutex_);
-        const auto now = workers_->now();
-        for (Chunk chunk = first; chunk <= last; ++chunk) isMissing |= !plan_.read(chunk, now);
+        isMissing = !plan_.read(chunks, workers_->now());
         hasWork = plan_.hasWork();
         mayWait = !hasGivenUp_;
     }
@@ -17,18 +16,22 @@ bool ChunkStore::bring(Chunk first, Chunk last) {
     workers_->post(shared_from_this(), isMissing ? Urgency::urgent : Urgency::ordinary);
     if (!isMissing) return true;
     if (!mayWait) return false;
-    if (workers_->waitFor([this, first, last] { return areAtHand(first, last); })) return true;
+    const bool isThere = workers_->waitFor([this, chunks] {
+        const std::lock_guard lock(mutex_);
+        return plan_.areAtHand(chunks);
+    });
+    if (isThere) return true;
     const std::lock_guard lock(mutex_);
     hasGivenUp_ = !workers_->isWorkerThread();
     return false;
 }
 
-bool ChunkStore::bringAgain(Chunk first, Chunk last) {
+bool ChunkStore::bringAgain(Range chunks) {
     {
         const std::lock_guard lock(mutex_);
-        for (Chunk chunk = first; chunk <= last; ++chunk) plan_.lose(chunk);
+        plan_.lose(chunks);
     }
-    return bring(first, last);
+    return bring(chunks);
 }
 
 void ChunkStore::loseAll() {
@@ -36,10 +39,10 @@ void ChunkStore::loseAll() {
     plan_.loseAll();
 }
 
-void ChunkStore::noteRead(Chunk chunk) {
+void ChunkStore::noteRead(Range chunks) {
     {
         const std::lock_guard lock(mutex_);
-        plan_.noteRead(chunk, workers_->now());
+        plan_.noteRead(chunks, workers_->now());
         if (!plan_.hasWork()) return;
     }
     workers_->post(shared_from_this(), Urgency::ordinary);
@@ -69,13 +72,6 @@ bool ChunkStore::run() {
     }
     if (hasDemand) workers_->post(shared_from_this(), Urgency::urgent);
     return hasWork;
-}
-
-bool ChunkStore::areAtHand(Chunk first, Chunk last) const {
-    const std::lock_guard lock(mutex_);
-    for (Chunk chunk = first; chunk <= last; ++chunk)
-        if (!plan_.find(chunk)) return false;
-    return true;
 }
 
 }  // namespace orbinex

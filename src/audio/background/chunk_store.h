@@ -15,27 +15,28 @@ class ChunkStore : public MediaTask {
   public:
     using Chunk = ChunkPlan::Chunk;
     using Slot = ChunkPlan::Slot;
+    using Range = ChunkPlan::Range;
 
     /// `chunkCount` at least 0.
     ChunkStore(std::shared_ptr<MediaWorkers> workers, Chunk chunkCount)
         : workers_(std::move(workers)), plan_(chunkCount) {}
 
-    /// Fetches the chunks from `first` to `last` unless they are at hand, and waits for them while it may. A
+    /// Fetches the chunks unless they are at hand, and waits for them while it may. A
     /// file that has kept a reader waiting in vain makes nobody wait before it has brought something. True
     /// when all are at hand in the end.
-    bool bring(Chunk first, Chunk last);
+    bool bring(Range chunks);
     /// The same for chunks that turned out not to be at hand any more.
-    bool bringAgain(Chunk first, Chunk last);
+    bool bringAgain(Range chunks);
     /// None of the chunks is at hand any more.
     void loseAll();
-    /// Fetches what lies ahead of this chunk, which was read without its having been asked for.
-    void noteRead(Chunk chunk);
-    /// Calls `use` with the slot of each chunk from `first` to `last` as long as they are at hand and it
+    /// Fetches what lies ahead of these chunks, which were read without having been asked for.
+    void noteRead(Range chunks);
+    /// Calls `use` with the slot of each chunk as long as they are at hand and it
     /// returns true. Nothing is fetched into the slots meanwhile; be quick.
     template <class Use>
-    void visit(Chunk first, Chunk last, Use&& use) const {
+    void visit(Range chunks, Use&& use) const {
         const std::lock_guard lock(mutex_);
-        for (Chunk chunk = first; chunk <= last; ++chunk) {
+        for (Chunk chunk = chunks.first; chunk <= chunks.last; ++chunk) {
             const auto slot = plan_.find(chunk);
             if (!slot || !use(chunk, *slot)) return;
         }
@@ -52,8 +53,6 @@ class ChunkStore : public MediaTask {
     /// Fetches the chunk into the slot, which nobody reads meanwhile. True when all of it came. On a
     /// background thread, one call at a time.
     virtual bool fetch(const ChunkPlan::Fetch& fetch) = 0;
-
-    [[nodiscard]] bool areAtHand(Chunk first, Chunk last) const;
 
     std::shared_ptr<MediaWorkers> workers_;
     mutable std::mutex mutex_;

@@ -20,8 +20,10 @@ constexpr std::size_t blockBytes = 64 * 1024;
 /// A file system whose page cache has failed so often to have what was just read is not asked for it again.
 constexpr int mostDisappointments = 3;
 
-std::int64_t blockOf(std::uint64_t offset) {
-    return static_cast<std::int64_t>(offset / blockBytes);
+/// `length` is not 0.
+ChunkPlan::Range blocksOf(std::uint64_t offset, std::size_t length) {
+    return {static_cast<std::int64_t>(offset / blockBytes),
+            static_cast<std::int64_t>((offset + length - 1) / blockBytes)};
 }
 
 }  // namespace
@@ -82,11 +84,10 @@ bool PromptMediaFile::Blocks::copyBlock(Slot slot, std::uint64_t offset) {
 }
 
 std::size_t PromptMediaFile::Blocks::readCopies(std::uint64_t offset, std::span<std::uint8_t> bytes) {
-    const Chunk first = blockOf(offset);
-    const Chunk last = blockOf(offset + bytes.size() - 1);
-    bring(first, last);
+    const Range blocks = blocksOf(offset, bytes.size());
+    bring(blocks);
     std::size_t done = 0;
-    visit(first, last, [&](Chunk, Slot slot) {
+    visit(blocks, [&](Chunk, Slot slot) {
         const auto begin = static_cast<std::size_t>((offset + done) % blockBytes);
         const auto wanted = std::min(bytes.size() - done, blockBytes - begin);
         const auto copied = std::min(wanted, std::max(lengths_[slot], begin) - begin);
@@ -124,17 +125,17 @@ std::size_t PromptMediaFile::read(std::uint64_t offset, std::span<std::uint8_t> 
 std::size_t PromptMediaFile::readFromPageCache(std::uint64_t offset, std::span<std::uint8_t> bytes) {
     auto& file = blocks_->file();
     std::size_t done = file.readAtHand(offset, bytes);
-    const auto last = blockOf(offset + bytes.size() - 1);
     if (done == bytes.size()) {
         disappointments_ = 0;
         // For what lies ahead.
-        if (last != lastBlock_) blocks_->noteRead(last);
-        lastBlock_ = last;
+        const auto blocks = blocksOf(offset, bytes.size());
+        if (blocks.first != lastBlock_ || blocks.last != lastBlock_) blocks_->noteRead(blocks);
+        lastBlock_ = blocks.last;
         return done;
     }
     const auto size = file.size();
     if (!size || offset + done >= *size) return done;
-    if (!blocks_->bringAgain(blockOf(offset + done), last)) return done;
+    if (!blocks_->bringAgain(blocksOf(offset + done, bytes.size() - done))) return done;
     done += file.readAtHand(offset + done, bytes.subspan(done));
     if (done < bytes.size() && offset + done < *size && ++disappointments_ >= mostDisappointments) {
         access_ = Access::none;
