@@ -9,7 +9,7 @@ namespace orbinex {
 struct RelocationFacts {
     bool isRunUnderTest = false;
     std::string_view bundlePath;
-    std::optional<std::string_view> userApplicationsFolder;
+    std::optional<std::string_view> userApplicationsFolder = std::nullopt;
     bool isSuppressed = false;
 };
 
