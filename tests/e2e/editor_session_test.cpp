@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -20,9 +21,11 @@
 #include "editor_bridge/linux/tmp_command_file.h"
 #include "editor_folder.h"
 #include "protocol/gatt.h"
+#include "protocol/meter_scale.h"
 #include "sim/memory_defaults.h"
 #include "sim/recording_event_poster.h"
 #include "sim/scripted_layout.h"
+#include "sim/simulated_clip_media.h"
 #include "sim/simulated_radio.h"
 #include "sim/simulated_shell.h"
 #include "sim/simulated_system_volume.h"
@@ -47,6 +50,7 @@ std::filesystem::path newFolder() {
 class EditorSessionTest : public testing::Test {
   public:
     void SetUp() override {
+        media.sounds["/media/clip.wav"] = std::make_shared<SimulatedSound>(SimulatedSound{.sample = fading});
         ::setenv("ORBINEX_EDITOR_FOLDER", editor.path().c_str(), 1);
         ::unsetenv("ORBINEX_EDITOR_ROUNDS");
         editor.open(session());
@@ -69,6 +73,11 @@ class EditorSessionTest : public testing::Test {
             {.name = "Dialogue", .clips = {{.name = "Take 1", .start = 86'400, .finish = 86'500}}},
             {.name = "Music", .clips = {{.name = "Song", .start = 86'400, .finish = 90'000}}}};
         return session;
+    }
+
+    /// The clips' sound: half a dB less with every video frame.
+    static float fading(std::int64_t frame, int) {
+        return static_cast<float>(std::pow(10, -0.5 * static_cast<double>(frame / 2000) / 20));
     }
 
     static bool waitFor(const std::function<bool()>& condition) {
@@ -109,7 +118,9 @@ class EditorSessionTest : public testing::Test {
     SimulatedSystemVolume volume;
     LinuxScriptHost host{ORBINEX_SCRIPT_HOST, queue};
     TmpCommandFile commandFile{(folder / "commands.txt").string()};
-    AppWatcherDaemon bridge{{queue, workspace, host, commandFile, volume}};
+    SimulatedClipMedia media;
+    DirectSourceOpener clips{media};
+    AppWatcherDaemon bridge{{queue, workspace, host, commandFile, volume, clips}};
     MemoryDefaults defaults;
     SimulatedRadio radio{queue};
     SimulatedPhone& phone = radio.addPhone(UUID::random(), {2, UUID::random(), "Studio iPhone"});
@@ -218,6 +229,29 @@ TEST_F(EditorSessionTest, tellsThatTheEditorPlays) {
     editor.seek(86'400);
     EXPECT_TRUE(
         waitFor([&] { return lastTelemetry()->playbackSpeed == "0X" && !lastTelemetry()->isPlaying; }));
+}
+
+TEST_F(EditorSessionTest, metersTheClipUnderThePlayhead) {
+    const auto levelBecomes = [&](std::size_t place, double dB) {
+        return waitFor([&] {
+            const auto* meters = last<DAWMeterPacket>([](const DAWMeterPacket&) { return true; });
+            return meters && std::abs(meters->channelMeters.at(place).peakDBFS - dB) < 0.3;
+        });
+    };
+    EXPECT_TRUE(levelBecomes(0, -25));
+    editor.seek(86'420);
+    EXPECT_TRUE(levelBecomes(0, -10));
+    EXPECT_TRUE(levelBecomes(2, -10 + 20 * std::log10(std::sqrt(2)))) << "the master: two tracks of the same";
+    send("VOL|1|-20");
+    EXPECT_TRUE(levelBecomes(0, -30));
+    send("SEL|2");
+    EXPECT_TRUE(waitFor([&] {
+        const auto* meters = last<DAWMeterPacket>([](const DAWMeterPacket&) { return true; });
+        // Seven video frames after the playhead, and eight before.
+        return meters && meters->selectedTrackIndex == 2 &&
+               meters->amplitudeHistory.back() == meterByte(-13.5) &&
+               meters->amplitudeHistory.front() == meterByte(-6);
+    }));
 }
 
 TEST_F(EditorSessionTest, survivesTheEndOfTheEditorAndOfItsHost) {
