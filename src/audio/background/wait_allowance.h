@@ -17,7 +17,7 @@ class WaitAllowance {
 
     /// For how long a wait that begins at `now` may last.
     Duration available(Duration now) {
-        const Duration passed = std::clamp(now - lastTime_, Duration(0), period);
+        const Duration passed = std::clamp(now - lastTime_, Duration(0), longest);
         lastTime_ = now;
         left_ = std::min(most, left_ + passed * most.count() / period.count());
         return std::clamp(left_, Duration(0), mostAtATime);
@@ -26,6 +26,9 @@ class WaitAllowance {
     void spend(Duration waited) { left_ -= std::max(waited, Duration(0)); }
 
   private:
+    /// What makes up for every wait there can be.
+    static constexpr Duration longest = std::chrono::minutes(1);
+
     Duration left_ = most;
     Duration lastTime_{0};
 };
