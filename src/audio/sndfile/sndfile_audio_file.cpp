@@ -1,0 +1,208 @@
+#include "audio/sndfile/sndfile_audio_file.h"
+
+#include <algorithm>
+#include <array>
+#include <span>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include <sndfile.h>
+
+#include "audio/sndfile/media_file_io.h"
+
+namespace orbinex {
+
+namespace {
+
+/// Samples of all channels that are read at once where only two channels are wanted.
+constexpr std::size_t scratchSamples = 8192;
+/// Frames that are read and thrown away rather than sought over in compressed media.
+constexpr std::int64_t skippedFrames = 4096;
+
+struct CloseSndfile {
+    void operator()(SNDFILE* file) const { sf_close(file); }
+};
+
+/// libsndfile takes for MPEG audio whatever has something like a frame header somewhere. MPEG audio begins
+/// with one, or with an ID3 tag; what does not is another kind of file with such bytes in it.
+bool beginsAsMpegAudio(MediaFile& media) {
+    std::array<std::uint8_t, 3> head{};
+    if (media.read(0, head) < head.size()) return false;
+    return (head[0] == 'I' && head[1] == 'D' && head[2] == '3') ||
+           (head[0] == 0xFF && (head[1] & 0xE0) == 0xE0);
+}
+
+bool isUncompressed(int format) {
+    switch (format & SF_FORMAT_SUBMASK) {
+        case SF_FORMAT_PCM_S8:
+        case SF_FORMAT_PCM_U8:
+        case SF_FORMAT_PCM_16:
+        case SF_FORMAT_PCM_24:
+        case SF_FORMAT_PCM_32:
+        case SF_FORMAT_FLOAT:
+        case SF_FORMAT_DOUBLE:
+        case SF_FORMAT_ULAW:
+        case SF_FORMAT_ALAW: return (format & SF_FORMAT_TYPEMASK) != SF_FORMAT_FLAC;
+        default: return false;
+    }
+}
+
+sf_count_t readFrames(SNDFILE* file, std::int16_t* samples, std::size_t frames) {
+    return sf_readf_short(file, samples, static_cast<sf_count_t>(frames));
+}
+sf_count_t readFrames(SNDFILE* file, float* samples, std::size_t frames) {
+    return sf_readf_float(file, samples, static_cast<sf_count_t>(frames));
+}
+
+}  // namespace
+
+/// The file as libsndfile has it open.
+class SndfileAudioFile::Opened {
+  public:
+    /// Nothing when libsndfile does not read it.
+    static std::unique_ptr<Opened> open(MediaFile& media) {
+        auto opened = std::unique_ptr<Opened>(new Opened(media));
+        auto callbacks = MediaFileIO::callbacks();
+        opened->file_.reset(sf_open_virtual(&callbacks, SFM_READ, &opened->info_, &opened->io_));
+        if (!opened->file_ || !opened->isUsable(media)) return nullptr;
+        opened->makeScratch();
+        return opened;
+    }
+
+    [[nodiscard]] const SF_INFO& info() const { return info_; }
+    [[nodiscard]] int channelCount() const { return std::min(info_.channels, 2); }
+    [[nodiscard]] SampleType sampleType() const {
+        const int subtype = info_.format & SF_FORMAT_SUBMASK;
+        const bool isInteger = subtype == SF_FORMAT_PCM_16 || subtype == SF_FORMAT_ALAC_16;
+        return isInteger ? SampleType::int16 : SampleType::float32;
+    }
+    [[nodiscard]] bool isUncompressed() const { return orbinex::isUncompressed(info_.format); }
+    /// True when the bytes failed us since the file was opened; what libsndfile then believes is not known.
+    [[nodiscard]] bool hasFailed() const { return io_.hasFailed(); }
+    [[nodiscard]] bool hasSameSamplesAs(const Opened& other) const {
+        return info_.samplerate == other.info_.samplerate && channelCount() == other.channelCount() &&
+               sampleType() == other.sampleType();
+    }
+
+    std::size_t read(std::int64_t start, std::size_t count, PCMBuffer& buffer) {
+        if (sampleType() == SampleType::int16) return read(start, count, buffer.shorts());
+        return read(start, count, buffer.floats());
+    }
+
+  private:
+    explicit Opened(MediaFile& media) : io_(media) {}
+
+    [[nodiscard]] bool isUsable(MediaFile& media) const {
+        if (info_.channels < 1 || info_.samplerate < 1 || info_.frames < 1 || info_.seekable == 0)
+            return false;
+        return (info_.format & SF_FORMAT_TYPEMASK) != SF_FORMAT_MPEG || beginsAsMpegAudio(media);
+    }
+
+    void makeScratch() {
+        const auto samples = std::max(scratchSamples, static_cast<std::size_t>(info_.channels));
+        if (isUncompressed() && info_.channels <= 2) return;
+        if (sampleType() == SampleType::int16)
+            std::get<std::vector<std::int16_t>>(scratch_).resize(samples);
+        else
+            std::get<std::vector<float>>(scratch_).resize(samples);
+    }
+
+    template <class Sample>
+    std::size_t read(std::int64_t start, std::size_t count, std::span<Sample> samples) {
+        if (!moveTo<Sample>(start)) return 0;
+        if (info_.channels <= 2) return readOn(samples.data(), count);
+        std::size_t done = 0;
+        while (done < count) {
+            const auto [read, wanted] = readToScratch<Sample>(count - done);
+            const auto channels = static_cast<std::size_t>(info_.channels);
+            const auto& scratch = std::get<std::vector<Sample>>(scratch_);
+            for (std::size_t i = 0; i < read; ++i)
+                std::copy_n(&scratch[i * channels], 2, &samples[(done + i) * 2]);
+            done += read;
+            if (read < wanted) break;
+        }
+        return done;
+    }
+
+    template <class Sample>
+    bool moveTo(std::int64_t start) {
+        if (position_ >= 0 && !isUncompressed() && start - position_ <= skippedFrames) {
+            while (position_ >= 0 && position_ < start)
+                readToScratch<Sample>(static_cast<std::size_t>(start - position_));
+        }
+        if (position_ != start) position_ = sf_seek(file_.get(), start, SEEK_SET);
+        return position_ == start;
+    }
+
+    struct Progress {
+        std::size_t read;
+        std::size_t wanted;
+    };
+    /// At most `count` frames, as many as there is room for.
+    template <class Sample>
+    Progress readToScratch(std::size_t count) {
+        auto& scratch = std::get<std::vector<Sample>>(scratch_);
+        const auto wanted = std::min(count, scratch.size() / static_cast<std::size_t>(info_.channels));
+        return {readOn(scratch.data(), wanted), wanted};
+    }
+
+    template <class Sample>
+    std::size_t readOn(Sample* samples, std::size_t frames) {
+        const auto got = std::max<sf_count_t>(readFrames(file_.get(), samples, frames), 0);
+        // Where libsndfile stands after a short read is its own affair.
+        position_ = static_cast<std::size_t>(got) == frames ? position_ + got : -1;
+        return std::min(static_cast<std::size_t>(got), frames);
+    }
+
+    MediaFileIO io_;
+    SF_INFO info_{};
+    std::unique_ptr<SNDFILE, CloseSndfile> file_;
+    /// Where frames of more channels, and those that are passed over, are read to. One of the two is used.
+    std::tuple<std::vector<std::int16_t>, std::vector<float>> scratch_;
+    /// The frame that libsndfile reads next; below 0 when that is not known.
+    std::int64_t position_ = -1;
+};
+
+std::unique_ptr<SndfileAudioFile> SndfileAudioFile::open(std::unique_ptr<MediaFile>& media) {
+    if (!media) return nullptr;
+    auto opened = Opened::open(*media);
+    if (!opened || opened->hasFailed()) return nullptr;
+    return std::unique_ptr<SndfileAudioFile>(new SndfileAudioFile(std::move(media), std::move(opened)));
+}
+
+SndfileAudioFile::SndfileAudioFile(std::unique_ptr<MediaFile> media, std::unique_ptr<Opened> opened)
+    : media_(std::move(media)),
+      opened_(std::move(opened)),
+      sampleRate_(opened_->info().samplerate),
+      totalSampleFrames_(opened_->info().frames) {}
+
+SndfileAudioFile::~SndfileAudioFile() = default;
+
+int SndfileAudioFile::channelCount() const {
+    return opened_->channelCount();
+}
+SampleType SndfileAudioFile::sampleType() const {
+    return opened_->sampleType();
+}
+bool SndfileAudioFile::prefersReadingOn() const {
+    return !opened_->isUncompressed();
+}
+
+std::size_t SndfileAudioFile::read(std::int64_t start, std::size_t count, PCMBuffer& buffer) {
+    if (start < 0 || start >= totalSampleFrames_) return 0;
+    if (opened_->hasFailed() && !openAnew()) return 0;
+    const auto left = static_cast<std::uint64_t>(totalSampleFrames_ - start);
+    const auto wanted =
+        static_cast<std::size_t>(std::min<std::uint64_t>({left, count, PCMBuffer::frameCapacity}));
+    return opened_->read(start, wanted, buffer);
+}
+
+bool SndfileAudioFile::openAnew() {
+    auto opened = Opened::open(*media_);
+    if (!opened || opened->hasFailed() || !opened->hasSameSamplesAs(*opened_)) return false;
+    opened_ = std::move(opened);
+    return true;
+}
+
+}  // namespace orbinex
