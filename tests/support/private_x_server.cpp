@@ -17,7 +17,7 @@ namespace {
 
 constexpr int startLimitMilliseconds = 20'000;
 
-[[noreturn]] void becomeServer(int displayFd, const std::string& screen) {
+[[noreturn]] void becomeServer(int displayFd, const std::string& screen, const char* withoutExtension) {
     // A test that crashes must not leave its server behind.
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     const int null = ::open("/dev/null", O_RDWR);
@@ -25,7 +25,8 @@ constexpr int startLimitMilliseconds = 20'000;
     ::dup2(null, STDERR_FILENO);
     const std::string fd = std::to_string(displayFd);
     ::execlp("Xvfb", "Xvfb", "-displayfd", fd.c_str(), "-noreset", "-nolisten", "tcp", "-screen", "0",
-             screen.c_str(), static_cast<char*>(nullptr));
+             screen.c_str(), withoutExtension ? "-extension" : nullptr, withoutExtension,
+             static_cast<char*>(nullptr));
     ::_exit(127);
 }
 
@@ -44,13 +45,13 @@ std::string readLine(int fd) {
 
 }  // namespace
 
-PrivateXServer::PrivateXServer(int width, int height) {
+PrivateXServer::PrivateXServer(int width, int height, const char* withoutExtension) {
     std::array<int, 2> ends{};
     if (::pipe(ends.data()) != 0) throw std::runtime_error("no pipe");
     ::fcntl(ends[0], F_SETFD, FD_CLOEXEC);
     const std::string screen = std::to_string(width) + "x" + std::to_string(height) + "x24";
     pid_ = ::fork();
-    if (pid_ == 0) becomeServer(ends[1], screen);
+    if (pid_ == 0) becomeServer(ends[1], screen, withoutExtension);
     ::close(ends[1]);
     const std::string number = pid_ > 0 ? readLine(ends[0]) : std::string();
     ::close(ends[0]);

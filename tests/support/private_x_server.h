@@ -11,8 +11,8 @@ namespace orbinex::test {
 class PrivateXServer {
   public:
     /// Returns when the server accepts connections; throws std::runtime_error when it cannot be started. The
-    /// size in pixels.
-    explicit PrivateXServer(int width = 1280, int height = 900);
+    /// size in pixels. `withoutExtension` names an extension that it shall not have.
+    explicit PrivateXServer(int width = 1280, int height = 900, const char* withoutExtension = nullptr);
     PrivateXServer(const PrivateXServer&) = delete;
     PrivateXServer& operator=(const PrivateXServer&) = delete;
     ~PrivateXServer();

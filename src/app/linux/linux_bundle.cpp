@@ -80,6 +80,9 @@ bool LinuxBundle::exists(const std::string& path) const {
 }
 
 bool LinuxBundle::moveToTrash(const std::string& path) {
+    // Qt makes the trash in this folder, and not the folder.
+    std::error_code error;
+    fs::create_directories(folders_.data, error);
     return QFile::moveToTrash(QFile::decodeName(path.c_str()));
 }
 

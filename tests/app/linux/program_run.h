@@ -4,21 +4,29 @@
 #include <QDeadlineTimer>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <memory>
 #include <string>
+#include <utility>
 
 #include <signal.h>
 
 namespace orbinex::test {
 
-/// A run of the built program with a home of its own, and without the machine's system bus.
+/// A run of the built program with a home of its own, and without the machine's buses.
 class ProgramRun {
   public:
-    /// `bus` is the address of the system bus, `redirections` what the shell makes of the standard streams.
+    using Home = std::shared_ptr<QTemporaryDir>;
+
+    /// `bus` is the address of the system bus, `redirections` what the shell makes of the standard streams
+    /// and takes for arguments. Runs of one home are runs of one user.
     explicit ProgramRun(const std::string& display, const QString& bus = "unix:path=/nonexistent",
-                        const char* redirections = "") {
+                        const char* redirections = "", Home home = std::make_shared<QTemporaryDir>())
+        : home_(std::move(home)) {
         auto environment = QProcessEnvironment::systemEnvironment();
         environment.insert("DISPLAY", QString::fromStdString(display));
-        environment.insert("XDG_CONFIG_HOME", home_.path());
+        for (const char* const folder : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR"})
+            environment.insert(folder, home_->path());
+        environment.insert("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
         environment.insert("DBUS_SYSTEM_BUS_ADDRESS", bus);
         process_.setProcessEnvironment(environment);
         process_.setProcessChannelMode(QProcess::MergedChannels);
@@ -74,7 +82,7 @@ class ProgramRun {
     static constexpr int limit = 20'000;  // milliseconds
     static constexpr int turn = 10;
 
-    QTemporaryDir home_;
+    Home home_;
     QProcess process_;
     QByteArray output_;
     qsizetype read_ = 0;

@@ -1,7 +1,9 @@
 // The program as a process: how it starts without what it needs, and how it ends.
 
 #include <QCoreApplication>
+#include <QFile>
 #include <csignal>
+#include <memory>
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -59,6 +61,38 @@ TEST(Program, endsWhenTheDisplayGoes) {
     EXPECT_TRUE(run.says("Starting Bluetooth…"));
     server.kill();
     EXPECT_EQ(run.end(), 1);
+}
+
+TEST(Program, isOneForAUserHoweverOftenItIsStarted) {
+    const PrivateXServer server;
+    const auto home = std::make_shared<QTemporaryDir>();
+    const auto start = [&](const char* arguments = "") {
+        return std::make_unique<ProgramRun>(server.display(), "unix:path=/nonexistent", arguments, home);
+    };
+    auto first = start("--at-login");
+    EXPECT_TRUE(first->reaches([&] { return QFile::exists(home->path() + "/orbinex.socket"); }));
+    // The answer of the first one ends the second; what it does then is what it does for a person.
+    EXPECT_EQ(start()->end(), 0);
+    EXPECT_TRUE(first->says("Starting Bluetooth…"));
+    ProgramRun other(server.display());
+    EXPECT_TRUE(other.says("Starting Bluetooth…")) << "another user's is another";
+
+    first->signal(SIGKILL);
+    EXPECT_EQ(first->end(), -1);
+    auto next = start();
+    EXPECT_TRUE(next->says("Starting Bluetooth…"));
+    next->signal(SIGTERM);
+    EXPECT_EQ(next->end(), 0);
+    EXPECT_FALSE(QFile::exists(home->path() + "/orbinex.socket"));
+}
+
+TEST(Program, saysWhyInputIsNotAllowedAndGoesOn) {
+    const PrivateXServer server(640, 480, "XTEST");
+    ProgramRun run(server.display());
+    EXPECT_TRUE(run.says("XTEST"));
+    run.type("status\nquit\n");
+    EXPECT_TRUE(run.says("Starting Bluetooth…"));
+    EXPECT_EQ(run.end(), 0);
 }
 
 /// The whole program with a phone that presses and holds; tells through the pipe once everything is down.

@@ -1,0 +1,106 @@
+#include "app/linux/desktop_opener.h"
+
+#include <algorithm>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "app/linux/detached_program.h"
+#include "app/product_links.h"
+#include "app/system_settings_urls.h"
+
+namespace orbinex {
+namespace {
+
+using Command = std::vector<std::string>;
+
+/// What is started where only these programs are installed.
+struct Installed {
+    std::set<std::string> programs;
+    std::vector<Command> started;
+
+    bool open(std::vector<std::string> desktops, std::string_view url) {
+        DesktopOpener opener(std::move(desktops), "/home/ada/.config", [this](const Command& command) {
+            if (!programs.contains(command.front())) return false;
+            started.push_back(command);
+            return true;
+        });
+        return url == "login" ? opener.openPanel(SettingsPanel::loginItems) : opener.open(url);
+    }
+};
+
+TEST(DesktopOpener, opensTheSettingsOfTheRunningDesktop) {
+    const std::string_view bluetooth = bluetoothSettingsUrl;
+    const struct {
+        std::vector<std::string> desktops;
+        std::set<std::string> programs;
+        std::string_view url;
+        Command started;
+    } rows[] = {
+        {{"GNOME"},
+         {"gnome-control-center", "blueman-manager"},
+         bluetooth,
+         {"gnome-control-center", "bluetooth"}},
+        {{"ubuntu", "GNOME"}, {"gnome-control-center"}, bluetooth, {"gnome-control-center", "bluetooth"}},
+        {{"KDE"}, {"systemsettings5", "xdg-open"}, bluetooth, {"systemsettings5", "kcm_bluetooth"}},
+        {{"KDE"}, {"systemsettings"}, bluetoothPrivacySettingsUrl, {"systemsettings", "kcm_bluetooth"}},
+        {{"KDE"}, {"systemsettings"}, accessibilitySettingsUrl, {"systemsettings", "kcm_access"}},
+        {{"GNOME"},
+         {"gnome-control-center"},
+         accessibilitySettingsUrl,
+         {"gnome-control-center", "universal-access"}},
+        // Only GNOME's own programs open under any name of that desktop; elsewhere they refuse.
+        {{"XFCE"}, {"gnome-control-center", "blueman-manager"}, bluetooth, {"blueman-manager"}},
+        {{}, {"blueberry"}, bluetooth, {"blueberry"}},
+        {{"XFCE"}, {"gnome-control-center"}, bluetooth, {}},
+        {{"KDE"}, {"systemsettings", "xdg-open"}, "login", {"systemsettings", "kcm_autostart"}},
+        {{"XFCE"}, {"xfce4-session-settings"}, "login", {"xfce4-session-settings"}},
+        {{"sway"}, {"xdg-open"}, "login", {"xdg-open", "/home/ada/.config/autostart"}},
+    };
+    for (const auto& row : rows) {
+        Installed installed{row.programs, {}};
+        EXPECT_EQ(installed.open(row.desktops, row.url), !row.started.empty()) << row.url;
+        std::vector<Command> expected;
+        if (!row.started.empty()) expected.push_back(row.started);
+        EXPECT_EQ(installed.started, expected);
+    }
+}
+
+TEST(DesktopOpener, opensWebPagesWithWhatIsThere) {
+    Installed installed{{"gio"}, {}};
+    EXPECT_TRUE(installed.open({}, "https://example.org/a?b=c&d=%20#e"));
+    EXPECT_EQ(installed.started,
+              (std::vector<Command>{{"gio", "open", "https://example.org/a?b=c&d=%20#e"}}));
+    Installed bare;
+    EXPECT_FALSE(bare.open({}, "https://example.org/"));
+    for (const auto link : {appStoreUrl, privacyPolicyUrl, supportUrl})
+        EXPECT_TRUE(isWebAddress(link)) << link;
+}
+
+TEST(DesktopOpener, opensNothingElse) {
+    for (const std::string url :
+         {"", "-h", "file:///etc/passwd", "javascript:alert(1)", "http://", "https:///x", "https://?x",
+          "ftp://example.org/", "https://example.org/\nx", "https://example.org/a b",
+          "https://example.org/\"", " https://example.org/", "https://ex\xc3\xa4mple.org/",
+          "x-apple.systempreferences:anything"}) {
+        Installed installed{{"xdg-open", "gio", "systemsettings"}, {}};
+        EXPECT_FALSE(installed.open({"KDE"}, url)) << url;
+        EXPECT_TRUE(installed.started.empty()) << url;
+    }
+    EXPECT_FALSE(isWebAddress("https://example.org/" + std::string(2048, 'a')));
+    EXPECT_FALSE(isWebAddress(std::string_view("https://example.org/\0x", 22)));
+}
+
+TEST(DesktopOpener, startsRealProgramsAndTellsWhenThereAreNone) {
+    EXPECT_TRUE(startDetached({"true", "an argument"}));
+    EXPECT_FALSE(startDetached({"orbinex-no-such-program"}));
+    EXPECT_FALSE(startDetached({"/etc/passwd"}));
+    EXPECT_FALSE(startDetached({"/"}));
+    EXPECT_FALSE(startDetached({""}));
+    EXPECT_FALSE(startDetached({}));
+}
+
+}  // namespace
+}  // namespace orbinex
