@@ -9,6 +9,7 @@ extern "C" {
 }
 
 #include <algorithm>
+#include <string_view>
 
 namespace orbinex {
 
@@ -148,6 +149,14 @@ std::optional<std::int64_t> AudioStreamDecoder::duration() const {
     return std::nullopt;
 }
 
+bool AudioStreamDecoder::isOgg() const {
+    return std::string_view(format_->iformat->name) == "ogg";
+}
+
+bool AudioStreamDecoder::losesItsPlace() const {
+    return isOgg() && stream_->codecpar->codec_id == AV_CODEC_ID_FLAC;
+}
+
 bool AudioStreamDecoder::readPacket() {
     for (int i = 0; i < maxForeignPackets; ++i) {
         av_packet_unref(packet_.get());
@@ -200,6 +209,10 @@ bool AudioStreamDecoder::seek(std::int64_t timestamp) {
     isDraining_ = false;
     avcodec_flush_buffers(codec_.get());
     return av_seek_frame(format_.get(), stream_->index, timestamp, AVSEEK_FLAG_BACKWARD) >= 0;
+}
+
+bool AudioStreamDecoder::seekToFirst(std::int64_t timestamp) {
+    return openDecoder() && seek(timestamp);
 }
 
 std::optional<std::int64_t> AudioStreamDecoder::lastTimestamp() {

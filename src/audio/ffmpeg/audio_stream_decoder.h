@@ -34,6 +34,12 @@ class AudioStreamDecoder {
     /// The container's word for how long the stream is, in its time base; nothing when it has none.
     [[nodiscard]] std::optional<std::int64_t> duration() const;
 
+    /// True for Ogg, whose packets have no timestamps of their own. Near the end they are right only when
+    /// reading began a few pages before.
+    [[nodiscard]] bool isOgg() const;
+    /// True when timestamps after a seek are not to be relied on at all.
+    [[nodiscard]] bool losesItsPlace() const;
+
     /// Decodes the next frame; packets that cannot be decoded are passed over. False at the end, after a
     /// failure, and when many packets in a row gave none.
     bool decodeNext();
@@ -49,6 +55,9 @@ class AudioStreamDecoder {
     /// Goes on at a packet whose timestamp is not after this one where the container can tell. False when it
     /// cannot.
     bool seek(std::int64_t timestamp);
+    /// The same, for the stream's first packet: with a decoder that has decoded nothing, as some remember
+    /// what they decoded before a seek.
+    bool seekToFirst(std::int64_t timestamp);
     /// Reads packets to the end, decoding none. Returns the last timestamp of one; nothing when there was
     /// none.
     std::optional<std::int64_t> lastTimestamp();

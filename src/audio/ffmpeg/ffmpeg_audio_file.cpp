@@ -19,6 +19,8 @@ namespace {
 constexpr std::int64_t skippedFrames = 4096;
 /// How much farther back the first repeated seek goes, in frames; then twice as far each time.
 constexpr std::int64_t firstRetreat = 8192;
+/// How long before the end of Ogg reading begins at the latest, in seconds. A page lasts one, seldom more.
+constexpr std::int64_t pagesAtEnd = 3;
 /// What one read may cost: the bytes of hours of sound where a container has no index, and the frames of
 /// minutes.
 constexpr std::uint64_t bytesOfRead = 256U << 20U;
@@ -85,7 +87,9 @@ void FFmpegAudioFile::measureLength() {
     const auto toldEnd = told ? placement_->position(firstTimestamp_ + *told, std::nullopt) : 0;
     totalSampleFrames_ = toldEnd;
     const auto last = lastPacketPosition(toldEnd);
-    if (!last || !seekTo(std::max<std::int64_t>(*last, 0))) return;
+    if (!last) return;
+    lastPosition_ = std::max<std::int64_t>(*last, 0);
+    if (!seekTo(lastPosition_)) return;
     std::int64_t end = 0;
     do end = placed_->end;
     while (placeNext());
@@ -161,6 +165,8 @@ bool FFmpegAudioFile::decodeOnTo(std::int64_t position) {
 bool FFmpegAudioFile::seekTo(std::int64_t position) {
     // Containers find a packet near the place that is asked for, some of them behind it.
     auto wantedStart = position - preRoll_;
+    if (decoder_->isOgg()) wantedStart = std::min(wantedStart, lastPosition_ - pagesAtEnd * sampleRate_);
+    if (decoder_->losesItsPlace()) wantedStart = firstPosition_;
     for (auto retreat = firstRetreat; wantedStart > firstPosition_; retreat *= 2) {
         if (seekBefore(wantedStart) && placed_->start <= position - preRoll_) {
             exactFrom_ = placed_->start + preRoll_;
@@ -178,7 +184,9 @@ bool FFmpegAudioFile::seekBefore(std::int64_t position) {
 }
 
 bool FFmpegAudioFile::startOver() {
-    if (!seekBefore(firstPosition_) || placed_->start > firstPosition_) {
+    placed_.reset();
+    const bool isAtFirst = decoder_->seekToFirst(placement_->timestampBefore(firstPosition_)) && placeNext();
+    if (!isAtFirst || placed_->start > firstPosition_) {
         if (decoder_->hasFailed() || !media_ || !openAnew()) return false;
     }
     exactFrom_ = firstPosition_;

@@ -66,6 +66,8 @@ class FFmpegAudioFile final : public AudioFile {
     /// Where the first frame that is decoded begins: at 0 or below.
     std::int64_t firstPosition_ = 0;
     std::int64_t totalSampleFrames_ = 0;
+    /// Where the last packet begins.
+    std::int64_t lastPosition_ = 0;
 
     /// Nothing when it is not known where the decoder stands.
     std::optional<Placed> placed_;

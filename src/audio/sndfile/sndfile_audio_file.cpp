@@ -1,7 +1,6 @@
 #include "audio/sndfile/sndfile_audio_file.h"
 
 #include <algorithm>
-#include <array>
 #include <span>
 #include <tuple>
 #include <utility>
@@ -10,6 +9,7 @@
 #include <sndfile.h>
 
 #include "audio/sndfile/media_file_io.h"
+#include "audio/sndfile/mpeg_audio_start.h"
 
 namespace orbinex {
 
@@ -24,13 +24,18 @@ struct CloseSndfile {
     void operator()(SNDFILE* file) const { sf_close(file); }
 };
 
-/// libsndfile takes for MPEG audio whatever has something like a frame header somewhere. MPEG audio begins
-/// with one, or with an ID3 tag; what does not is another kind of file with such bytes in it.
-bool beginsAsMpegAudio(MediaFile& media) {
-    std::array<std::uint8_t, 3> head{};
-    if (media.read(0, head) < head.size()) return false;
-    return (head[0] == 'I' && head[1] == 'D' && head[2] == '3') ||
-           (head[0] == 0xFF && (head[1] & 0xE0) == 0xE0);
+/// True for what libsndfile reads as exactly as we promise.
+bool isExact(int format, MediaFile& media) {
+    switch (format & SF_FORMAT_TYPEMASK) {
+        // It takes for MPEG audio whatever has something like a frame header somewhere, and guesses the
+        // length where the file does not tell it.
+        case SF_FORMAT_MPEG: return tellsLengthOfMpegAudio(media);
+        // After a seek in Ogg it is not where it says.
+        case SF_FORMAT_OGG: return false;
+        default: break;
+    }
+    const int subtype = format & SF_FORMAT_SUBMASK;
+    return subtype < SF_FORMAT_MPEG_LAYER_I || subtype > SF_FORMAT_MPEG_LAYER_III;
 }
 
 bool isUncompressed(int format) {
@@ -94,9 +99,8 @@ class SndfileAudioFile::Opened {
     explicit Opened(MediaFile& media) : io_(media) {}
 
     [[nodiscard]] bool isUsable(MediaFile& media) const {
-        if (info_.channels < 1 || info_.samplerate < 1 || info_.frames < 1 || info_.seekable == 0)
-            return false;
-        return (info_.format & SF_FORMAT_TYPEMASK) != SF_FORMAT_MPEG || beginsAsMpegAudio(media);
+        return info_.channels >= 1 && info_.samplerate >= 1 && info_.frames >= 1 && info_.seekable != 0 &&
+               isExact(info_.format, media);
     }
 
     void makeScratch() {

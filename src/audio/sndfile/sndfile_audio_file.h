@@ -7,7 +7,8 @@
 
 namespace orbinex {
 
-/// What libsndfile reads: WAV and its kin, AIFF, CAF, FLAC, MP3, Ogg Vorbis and rarer kinds. 16-bit PCM comes
+/// What libsndfile reads: WAV and its kin, AIFF, CAF, FLAC, MP3 and rarer kinds, without
+/// those in which it is not exact. 16-bit PCM comes
 /// as integers, everything else as floats. Reading uncompressed media allocates nothing.
 class SndfileAudioFile final : public AudioFile {
   public:
