@@ -43,10 +43,15 @@ const std::map<std::string, Names> adapters{
     {"input/x11", {"input", "protocol", "base"}},
     {"input/uinput", {"input"}},
     {"audio/linux", {"audio", "audio/background"}},
+    {"audio/sndfile", {"audio"}},
+    {"audio/ffmpeg", {"audio"}},
+    {"audio/codec", {"audio", "audio/sndfile", "audio/ffmpeg"}},
     {"editor_bridge/linux", {"editor_bridge", "base"}},
     {"link/bluez", {"link", "protocol", "base"}},
     {"app/x11", {"app", "input/x11"}},
-    {"app/linux", {"app", "link", "editor_bridge", "editor_bridge/linux", "base"}},
+    {"app/linux",
+     {"app", "link", "editor_bridge", "editor_bridge/linux", "audio/background", "audio/codec", "audio/linux",
+      "base"}},
 };
 
 /// The one file that puts everything together.
