@@ -46,7 +46,7 @@ ChunkPlan::Place* ChunkPlan::enter(Chunk chunk, Range read, Time now) {
         place.isSettled = true;
     }
     for (int distance = 1; distance <= readAhead; ++distance)
-        wantAhead(chunk + distance * place.direction, distance, place.direction, now);
+        wantAhead(chunk + Chunk{distance} * place.direction, distance, place.direction, now);
     return &place;
 }
 

@@ -16,7 +16,7 @@ namespace {
 
 using Access = PosixMediaFile::Access;
 
-constexpr std::size_t blockBytes = 64 * 1024;
+constexpr std::size_t blockBytes = 65'536;
 /// A file system whose page cache has failed so often to have what was just read is not asked for it again.
 constexpr int mostDisappointments = 3;
 

@@ -26,7 +26,7 @@ struct WatchedAudio {
     bool isClosed = false;
 
     [[nodiscard]] std::int16_t sample(std::int64_t frame, int channel) const {
-        return static_cast<std::int16_t>(frame * 7 + (frame >> 13) * 31 + channel * 16'001);
+        return static_cast<std::int16_t>(frame * 7 + (frame >> 13) * 31 + std::int64_t{channel} * 16'001);
     }
 };
 
