@@ -80,10 +80,8 @@ bool LinuxBundle::exists(const std::string& path) const {
 }
 
 bool LinuxBundle::moveToTrash(const std::string& path) {
-    // Qt makes the trash in this folder, and not the folder.
-    std::error_code error;
-    fs::create_directories(folders_.data, error);
-    return QFile::moveToTrash(QFile::decodeName(path.c_str()));
+    // Where Qt cannot make the user's trash, it takes the present folder for one.
+    return isWritable(folders_.data) && QFile::moveToTrash(QFile::decodeName(path.c_str()));
 }
 
 bool LinuxBundle::remove(const std::string& path) {

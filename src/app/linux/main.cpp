@@ -13,23 +13,17 @@
 #include "app/app_delegate.h"
 #include "app/linux/autostart_entry.h"
 #include "app/linux/computer_name.h"
-#include "app/linux/desktop_opener.h"
-#include "app/linux/detached_program.h"
 #include "app/linux/fd_watch.h"
-#include "app/linux/linux_bundle.h"
 #include "app/linux/linux_editor_bridge.h"
-#include "app/linux/program_place.h"
+#include "app/linux/linux_shell.h"
 #include "app/linux/qt_main_queue.h"
 #include "app/linux/runtime_folder.h"
 #include "app/linux/settings_defaults.h"
-#include "app/linux/settings_panels.h"
 #include "app/linux/single_instance.h"
 #include "app/linux/standard_input.h"
 #include "app/linux/standard_streams.h"
 #include "app/linux/system_bus.h"
 #include "app/linux/unix_signals.h"
-#include "app/linux/user_folders.h"
-#include "app/linux/xdg_autostart.h"
 #include "app/product_version.h"
 #include "app/terminal_console.h"
 #include "app/terminal_prompt.h"
@@ -141,11 +135,7 @@ int main(int argc, char** argv) {
     BluezCentral central(bus.connection(), {queue, defaults, prompt, wake, options.adapter});
     LinuxEditorBridge editors(queue, options.places);
 
-    const auto place = ownPlace();
-    const auto folders = UserFolders::fromEnvironment();
-    DesktopOpener opener(currentDesktops(), folders.config, startDetached);
-    XdgAutostart loginItem({folders.config, place.program, currentDesktops()},
-                           [&] { opener.openPanel(SettingsPanel::loginItems); });
+    LinuxShell shell(queue, instance, [] { QCoreApplication::quit(); });
     X11InputPermission inputPermission(*display);
     ActivationNotifier activation;
     AppCoordinator coordinator(preferences, {queue,
@@ -156,15 +146,8 @@ int main(int argc, char** argv) {
                                              layouts,
                                              editors.daemon(),
                                              computerName,
-                                             {inputPermission, loginItem, opener, activation}});
-    LinuxBundle bundle(
-        place, folders,
-        {queue,
-         opener,
-         startDetached,
-         {[&] { instance.release(); }, [&] { return instance.isTaken(); }, [&] { instance.reclaim(); }},
-         [] { QCoreApplication::quit(); }});
-    AppRelocationManager relocation(queue, defaults, bundle);
+                                             {inputPermission, shell.loginItem(), shell.urls(), activation}});
+    AppRelocationManager relocation(queue, defaults, shell.bundle());
 
     // On a terminal there is no window to open; what it would show first is how things are.
     AppDelegate delegate(preferences, relocation, [&] { say(*coordinator.centralManager.statusMessage); });

@@ -189,6 +189,19 @@ TEST(LinuxBundle, putsAnOldCopyIntoTheTrash) {
     ::unsetenv("XDG_DATA_HOME");
 }
 
+TEST(LinuxBundle, deletesAnOldCopyThatHasNoTrashToGoTo) {
+    Home home;
+    home.folder.write("Applications/orbinex-1/bin/orbinex", "old code");
+    home.folder.write("data", "a file in its place");
+    const auto before = fs::current_path();
+    fs::create_directory(home.folder / "present");
+    fs::current_path(home.folder / "present");
+    home.manager.answer(0);
+    fs::current_path(before);
+    EXPECT_EQ(home.folder.read("Applications/orbinex-1/bin/orbinex"), "code");
+    EXPECT_TRUE(fs::is_empty(home.folder / "present"));
+}
+
 TEST(LinuxBundle, goesOnWhenTheCopyDoesNotRun) {
     for (const bool doesStart : {false, true}) {
         Home home;
