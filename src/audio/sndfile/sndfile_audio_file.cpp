@@ -9,7 +9,6 @@
 #include <sndfile.h>
 
 #include "audio/sndfile/media_file_io.h"
-#include "audio/sndfile/mpeg_audio_start.h"
 
 namespace orbinex {
 
@@ -25,17 +24,14 @@ struct CloseSndfile {
 };
 
 /// True for what libsndfile reads as exactly as we promise.
-bool isExact(int format, MediaFile& media) {
-    switch (format & SF_FORMAT_TYPEMASK) {
-        // It takes for MPEG audio whatever has something like a frame header somewhere, and guesses the
-        // length where the file does not tell it.
-        case SF_FORMAT_MPEG: return tellsLengthOfMpegAudio(media);
-        // After a seek in Ogg it is not where it says.
-        case SF_FORMAT_OGG: return false;
-        default: break;
-    }
+bool isExact(int format) {
+    const int type = format & SF_FORMAT_TYPEMASK;
     const int subtype = format & SF_FORMAT_SUBMASK;
-    return subtype < SF_FORMAT_MPEG_LAYER_I || subtype > SF_FORMAT_MPEG_LAYER_III;
+    // After a seek in Ogg it is not where it says. In MPEG audio it guesses the length where the file does
+    // not tell it, the last bits depend on where reading began, and it takes for it whatever has a frame
+    // header somewhere.
+    return type != SF_FORMAT_OGG && type != SF_FORMAT_MPEG &&
+           (subtype < SF_FORMAT_MPEG_LAYER_I || subtype > SF_FORMAT_MPEG_LAYER_III);
 }
 
 bool isUncompressed(int format) {
@@ -70,7 +66,7 @@ class SndfileAudioFile::Opened {
         auto opened = std::unique_ptr<Opened>(new Opened(media));
         auto callbacks = MediaFileIO::callbacks();
         opened->file_.reset(sf_open_virtual(&callbacks, SFM_READ, &opened->info_, &opened->io_));
-        if (!opened->file_ || !opened->isUsable(media)) return nullptr;
+        if (!opened->file_ || !opened->isUsable()) return nullptr;
         opened->makeScratch();
         return opened;
     }
@@ -98,9 +94,9 @@ class SndfileAudioFile::Opened {
   private:
     explicit Opened(MediaFile& media) : io_(media) {}
 
-    [[nodiscard]] bool isUsable(MediaFile& media) const {
+    [[nodiscard]] bool isUsable() const {
         return info_.channels >= 1 && info_.samplerate >= 1 && info_.frames >= 1 && info_.seekable != 0 &&
-               isExact(info_.format, media);
+               isExact(info_.format);
     }
 
     void makeScratch() {
@@ -199,7 +195,9 @@ std::size_t SndfileAudioFile::read(std::int64_t start, std::size_t count, PCMBuf
     const auto left = static_cast<std::uint64_t>(totalSampleFrames_ - start);
     const auto wanted =
         static_cast<std::size_t>(std::min<std::uint64_t>({left, count, PCMBuffer::frameCapacity}));
-    return opened_->read(start, wanted, buffer);
+    const auto read = opened_->read(start, wanted, buffer);
+    // Some decoders hide that bytes were missing.
+    return opened_->hasFailed() ? 0 : read;
 }
 
 bool SndfileAudioFile::openAnew() {

@@ -7,9 +7,8 @@
 
 namespace orbinex {
 
-/// What libsndfile reads: WAV and its kin, AIFF, CAF, FLAC, MP3 and rarer kinds, without
-/// those in which it is not exact. 16-bit PCM comes
-/// as integers, everything else as floats. Reading uncompressed media allocates nothing.
+/// What libsndfile reads exactly: WAV and its kin, AIFF, CAF, FLAC and rarer kinds. 16-bit PCM comes as
+/// integers, everything else as floats. Reading uncompressed media allocates nothing.
 class SndfileAudioFile final : public AudioFile {
   public:
     /// Nothing when libsndfile does not read the file, or it has no frame; `media` is then left where it is,

@@ -1,0 +1,122 @@
+// Files that are cut short, damaged, or try to have others opened.
+
+#include <gtest/gtest.h>
+
+#include "audio/ffmpeg/ffmpeg_audio_file.h"
+#include "audio/ffmpeg/made_media.h"
+#include "audio/linux/temporary_folder.h"
+
+namespace orbinex {
+
+namespace {
+
+using namespace test;
+
+/// Opens and reads whatever this is. Returns whether it opened.
+bool surviveReading(FileBytes bytes, unsigned seed) {
+    const auto disc = std::make_shared<Disc>();
+    disc->bytes = std::move(bytes);
+    std::unique_ptr<MediaFile> media = std::make_unique<MemoryMediaFile>(disc);
+    const auto file = FFmpegAudioFile::open(media);
+    if (!file) return false;
+    EXPECT_GE(file->totalSampleFrames(), 1);
+    EXPECT_GT(file->sampleRate(), 0);
+    readAtRandom(*file, seed, 4);
+    return true;
+}
+
+TEST(HostileMedia, cutShortAnywhereIsReadOrRefused) {
+    std::mt19937 random(1);
+    int opened = 0;
+    for (const auto& medium : madeMedia()) {
+        SCOPED_TRACE(medium.name);
+        for (int i = 0; i < 4 * rounds; ++i) {
+            auto bytes = medium.bytes;
+            bytes.resize(i < 2 * rounds ? random() % 4096 : random() % medium.bytes.size());
+            opened += surviveReading(std::move(bytes), static_cast<unsigned>(i)) ? 1 : 0;
+        }
+    }
+    EXPECT_GT(opened, 10 * rounds);
+}
+
+TEST(HostileMedia, damagedAnywhereIsReadOrRefused) {
+    std::mt19937 random(2);
+    int opened = 0;
+    for (const auto& medium : madeMedia()) {
+        SCOPED_TRACE(medium.name);
+        for (int i = 0; i < 4 * rounds; ++i) {
+            auto bytes = medium.bytes;
+            // Headers are at the beginning, and in MP4 and its kin at the end.
+            const std::size_t head = std::min<std::size_t>(2000, bytes.size());
+            for (auto flips = 1 + random() % 30; flips > 0; --flips) {
+                const std::size_t at = random() % head;
+                const std::size_t places[] = {at, bytes.size() - 1 - at, random() % bytes.size()};
+                bytes[places[i % 3]] = static_cast<std::uint8_t>(random());
+            }
+            opened += surviveReading(std::move(bytes), static_cast<unsigned>(i)) ? 1 : 0;
+        }
+    }
+    EXPECT_GT(opened, 40 * rounds);
+}
+
+TEST(HostileMedia, thatNamesOtherFilesIsRefused) {
+    const TemporaryFolder folder;
+    const auto target = folder.path("target.ts");
+    const auto& medium = madeMedium("aac-video.ts");
+    std::ofstream(target, std::ios::binary)
+        .write(reinterpret_cast<const char*>(medium.bytes.data()),
+               static_cast<std::streamsize>(medium.bytes.size()));
+    const std::string texts[] = {
+        "#EXTM3U\n#EXT-X-TARGETDURATION:6\n#EXTINF:6,\n" + target + "\n#EXT-X-ENDLIST\n",
+        "#EXTM3U\n#EXT-X-STREAM-INF:BANDWIDTH=1\nfile://" + target + "\n",
+        "ffconcat version 1.0\nfile '" + target + "'\n",
+        "<?xml version=\"1.0\"?><MPD xmlns=\"urn:mpeg:dash:schema:mpd:2011\" "
+        "type=\"static\"><Period><AdaptationSet "
+        "mimeType=\"audio/mp4\"><Representation id=\"1\"><BaseURL>" +
+            target + "</BaseURL></Representation></AdaptationSet></Period></MPD>",
+        "v=0\no=- 0 0 IN IP4 127.0.0.1\ns=x\nc=IN IP4 127.0.0.1\nm=audio 5004 RTP/AVP 0\n",
+        "[Script Info]\n" + target,
+        "[playlist]\nFile1=" + target + "\n",
+        "",
+        "nothing",
+    };
+    for (const auto& text : texts) {
+        auto media = inMemory(FileBytes(text.begin(), text.end()));
+        EXPECT_FALSE(FFmpegAudioFile::open(media)) << text;
+        EXPECT_TRUE(media);
+    }
+}
+
+TEST(HostileMedia, ofATrackWhoseSamplesAreInAnotherFileGivesNothingOfThatFile) {
+    auto bytes = madeMedium("s16.mov").bytes;
+    // A data reference of a track says by a flag that the samples are in this very file.
+    const std::string reference("alis\0\0\0\1", 8);
+    const std::string own("url \0\0\0\1", 8);
+    bool isFound = false;
+    for (const auto& mark : {reference, own}) {
+        const auto found = std::search(bytes.begin(), bytes.end(), mark.begin(), mark.end());
+        if (found == bytes.end()) continue;
+        isFound = true;
+        *(found + 7) = 0;
+    }
+    EXPECT_TRUE(isFound);
+    surviveReading(std::move(bytes), 1);
+}
+
+TEST(HostileMedia, readsNoMoreOfAFileThanItGrants) {
+    // A stream that never comes to an audio packet: a file of zeros behind a good beginning.
+    for (const auto* name : {"aac-video.ts", "no-length.mp3", "aac.aac", "opus.ogg", "s16.mkv"}) {
+        const auto disc = std::make_shared<Disc>();
+        disc->bytes = madeMedium(name).bytes;
+        disc->bytes.resize(disc->bytes.size() / 2);
+        disc->bytes.resize(disc->bytes.size() + (8U << 20U));
+        std::unique_ptr<MediaFile> media = std::make_unique<MemoryMediaFile>(disc);
+        const auto file = FFmpegAudioFile::open(media);
+        if (file) readAtRandom(*file, 3, 5);
+        EXPECT_LT(disc->bytesRead, 512U << 20U) << name;
+    }
+}
+
+}  // namespace
+
+}  // namespace orbinex

@@ -1,0 +1,147 @@
+#include "audio/ffmpeg/made_media.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <stdexcept>
+
+#include "audio/linux/temporary_folder.h"
+
+namespace orbinex::test {
+
+namespace {
+
+constexpr int seconds = 6;
+
+/// A sound to make media of: a rising tone in noise, another in each channel.
+struct Source {
+    int sampleRate;
+    int channelCount;
+};
+const Source sources[] = {{48000, 2}, {44100, 2}, {96000, 1}, {48000, 6}};
+
+struct Recipe {
+    const char* name;
+    /// Which of the sources it is made of.
+    std::size_t source;
+    const char* options;
+    Exactness exactness = Exactness::exact;
+    bool hasVideo = false;
+};
+const auto costly = Exactness::costly;
+const Recipe recipes[] = {
+    {"aac.m4a", 0, "-c:a aac -aac_pns 0"},
+    {"aac-44100.m4a", 1, "-c:a aac -aac_pns 0"},
+    {"aac-mono-96000.m4a", 2, "-c:a aac -aac_pns 0"},
+    {"aac-5.1.mp4", 3, "-c:a aac -aac_pns 0"},
+    {"aac-noise.m4a", 0, "-c:a aac", Exactness::madeUpNoise},
+    {"aac-fragments.mp4", 0, "-c:a aac -aac_pns 0 -movflags frag_keyframe+empty_moov -frag_duration 500000"},
+    {"aac-cut.mp4", 0, "-ss 1.2345 -c:a aac -aac_pns 0"},
+    {"alac.m4a", 0, "-c:a alac -sample_fmt s16p"},
+    {"alac-44100.m4a", 1, "-c:a alac -sample_fmt s32p"},
+    {"alac-5.1.m4a", 3, "-c:a alac"},
+    {"s16.mov", 0, "-c:a pcm_s16le"},
+    {"s24-mono-96000.mov", 2, "-c:a pcm_s24be"},
+    {"s16-video.mov", 1, "-c:v mpeg4 -c:a pcm_s16le", Exactness::exact, true},
+    {"s24-video.mov", 0, "-c:v mpeg4 -c:a pcm_s24le", Exactness::exact, true},
+    {"aac-video.mov", 0, "-c:v mpeg4 -c:a aac -aac_pns 0", Exactness::exact, true},
+    {"s16-25.mxf", 0, "-c:v mpeg2video -c:a pcm_s16le", Exactness::exact, true},
+    {"s24-29.97.mxf", 0, "-c:v mpeg2video -r 30000/1001 -c:a pcm_s24le", Exactness::exact, true},
+    {"s16.mkv", 1, "-c:a pcm_s16le"},
+    {"s16-video.mkv", 0, "-c:v mpeg4 -c:a pcm_s16le", Exactness::exact, true},
+    {"flac.mkv", 1, "-c:a flac"},
+    {"flac-mono-96000.mkv", 2, "-c:a flac"},
+    {"aac.mkv", 1, "-c:a aac -aac_pns 0"},
+    {"aac-video.mkv", 0, "-c:v mpeg4 -c:a aac -aac_pns 0", Exactness::exact, true},
+    {"ac3.mkv", 0, "-c:a ac3", Exactness::madeUpNoise},
+    {"mp3.mkv", 0, "-c:a libmp3lame"},
+    {"opus.mkv", 0, "-c:a libopus", costly},
+    {"opus.webm", 0, "-c:a libopus", costly},
+    {"opus-5.1.webm", 3, "-c:a libopus -mapping_family 1", costly},
+    {"opus.ogg", 0, "-c:a libopus", costly},
+    {"opus-mono-96000.ogg", 2, "-c:a libopus", costly},
+    {"vorbis.ogg", 1, "-c:a libvorbis"},
+    {"vorbis.webm", 0, "-c:a libvorbis"},
+    {"flac.ogg", 0, "-c:a flac", costly},
+    {"no-length.mp3", 1, "-c:a libmp3lame -write_xing 0"},
+    {"variable.mp3", 0, "-c:a libmp3lame -q:a 4"},
+    {"mp3.wav", 0, "-c:a libmp3lame"},
+    {"aac.aac", 1, "-c:a aac -aac_pns 0"},
+    {"aac-video.ts", 1, "-c:v mpeg4 -c:a aac -aac_pns 0", Exactness::exact, true},
+    {"s16-video.avi", 0, "-c:v mpeg4 -c:a pcm_s16le", Exactness::exact, true},
+    {"mp3-video.avi", 1, "-c:v mpeg4 -c:a libmp3lame", Exactness::exact, true},
+};
+
+void writeSource(const Source& source, const std::string& path) {
+    std::mt19937 random(1);
+    std::vector<std::int32_t> samples;
+    for (int i = 0; i < source.sampleRate * seconds + 123; ++i) {
+        const double time = static_cast<double>(i) / source.sampleRate;
+        for (int channel = 0; channel < source.channelCount; ++channel) {
+            const double tone = std::sin(6.2831853 * time * (200 + 90 * channel + 400 * time));
+            const double noise = static_cast<double>(random() % 2001) / 1000 - 1;
+            const double loudness = 0.5 + 0.5 * std::sin(time * (3 + channel));
+            samples.push_back(static_cast<std::int32_t>((tone * 0.4 + noise * 0.1 * loudness) * 2147483647));
+        }
+    }
+    std::ofstream(path, std::ios::binary)
+        .write(reinterpret_cast<const char*>(samples.data()),
+               static_cast<std::streamsize>(samples.size() * 4));
+}
+
+void runFFmpeg(const std::string& arguments) {
+    const auto command = "ffmpeg -nostdin -loglevel error -y " + arguments;
+    if (std::system(command.c_str()) != 0) throw std::runtime_error("the ffmpeg command made no media");
+}
+
+std::vector<MadeMedium> makeMedia() {
+    const TemporaryFolder folder;
+    std::string inputs;
+    for (std::size_t i = 0; i < std::size(sources); ++i) {
+        const auto path = folder.path("source" + std::to_string(i));
+        writeSource(sources[i], path);
+        inputs += " -f s32le -ar " + std::to_string(sources[i].sampleRate) + " -ac " +
+                  std::to_string(sources[i].channelCount) + " -i " + path;
+    }
+    inputs += " -f lavfi -i testsrc=s=64x48:r=25:d=" + std::to_string(seconds);
+    const auto video = std::to_string(std::size(sources));
+    std::string outputs;
+    std::string decodedInputs;
+    std::string decodedOutputs;
+    std::vector<MadeMedium> media;
+    for (const auto& recipe : recipes) {
+        const std::string path = folder.path(recipe.name);
+        if (recipe.hasVideo) outputs += " -map " + video + ":v";
+        outputs += " -map " + std::to_string(recipe.source) + ":a " + recipe.options + " " + path;
+        decodedInputs += " -i " + path;
+        decodedOutputs += " -map " + std::to_string(media.size()) + ":a:0 -f f32le " + path + ".f32";
+        media.push_back({recipe.name, recipe.exactness, sources[recipe.source].sampleRate, {}, {}});
+    }
+    runFFmpeg(inputs + outputs);
+    runFFmpeg(decodedInputs + decodedOutputs);
+    for (std::size_t i = 0; i < media.size(); ++i) {
+        const auto path = folder.path(media[i].name);
+        media[i].bytes = bytesOf(path);
+        // Opus knows one rate only.
+        if (media[i].name.starts_with("opus")) media[i].sampleRate = 48000;
+        const auto decoded = bytesOf(path + ".f32");
+        media[i].straight.channelCount = sources[recipes[i].source].channelCount;
+        media[i].straight.samples.resize(decoded.size() / sizeof(float));
+        std::memcpy(media[i].straight.samples.data(), decoded.data(), decoded.size());
+    }
+    return media;
+}
+
+}  // namespace
+
+const std::vector<MadeMedium>& madeMedia() {
+    static const auto media = makeMedia();
+    return media;
+}
+
+const MadeMedium& madeMedium(const std::string& name) {
+    const auto found = std::ranges::find(madeMedia(), name, &MadeMedium::name);
+    if (found == madeMedia().end()) throw std::runtime_error("no such medium: " + name);
+    return *found;
+}
+
+}  // namespace orbinex::test
