@@ -19,7 +19,7 @@ RelocationAlert manualMoveInstructions() {
             .message =
                 "Please drag Orbinex into the Applications folder shown in Finder to ensure seamless "
                 "permissions and login item support.",
-            .buttons = {"OK"},
+            .buttons = {okButton},
             .suppression = {}};
 }
 

@@ -19,6 +19,9 @@ struct RelocationAlert {
     friend bool operator==(const RelocationAlert&, const RelocationAlert&) = default;
 };
 
+/// The button of every message box that only tells something.
+inline constexpr const char* okButton = "OK";
+
 [[nodiscard]] RelocationAlert moveOffer();
 [[nodiscard]] RelocationAlert manualMoveInstructions();
 

@@ -1,0 +1,48 @@
+#include "ui/desktop_presence.h"
+
+#include <QGuiApplication>
+
+#include "ui/task_bar_state.h"
+
+namespace orbinex {
+
+namespace {
+
+/// Null when there is none.
+QWindow* visibleMainWindow() {
+    for (QWindow* window : QGuiApplication::topLevelWindows()) {
+        if (window->isVisible() && window->objectName().startsWith("main")) return window;
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+DesktopPresence::DesktopPresence() {
+    QObject::connect(qGuiApp, &QGuiApplication::applicationStateChanged, &context_,
+                     [this](Qt::ApplicationState state) {
+                         if (state == Qt::ApplicationActive) activation_.didBecomeActive.emit();
+                     });
+}
+
+void DesktopPresence::prepare(QWindow& window) const {
+    setSkipsTaskBar(window, policy_ == ActivationPolicy::accessory);
+}
+
+void DesktopPresence::setActivationPolicy(ActivationPolicy policy) {
+    policy_ = policy;
+    if (QWindow* const window = visibleMainWindow()) prepare(*window);
+}
+
+void DesktopPresence::activate() {
+    if (QWindow* const window = visibleMainWindow()) window->requestActivate();
+}
+
+void DesktopPresence::bringVisibleWindowToFront() {
+    QWindow* const window = visibleMainWindow();
+    if (!window) return;
+    window->raise();
+    window->requestActivate();
+}
+
+}  // namespace orbinex

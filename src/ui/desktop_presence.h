@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QObject>
+#include <QWindow>
+
+#include "app/activation_notifier.h"
+#include "app/application_presence.h"
+
+namespace orbinex {
+
+/// The program's windows as the desktop shows them: in the task bar or not, in front or not. Main windows are
+/// those whose object name begins with "main". On X11 it is the window manager that carries this out; on
+/// other systems windows are always in the task bar.
+class DesktopPresence final : public ApplicationPresence {
+  public:
+    /// Needs a QGuiApplication.
+    DesktopPresence();
+
+    /// Tells when one of the program's windows becomes the active one.
+    [[nodiscard]] ActivationNotifier& activation() { return activation_; }
+    /// To be called before a main window is shown: the policy holds for it too.
+    void prepare(QWindow& window) const;
+
+    [[nodiscard]] ActivationPolicy activationPolicy() const override { return policy_; }
+    void setActivationPolicy(ActivationPolicy policy) override;
+    void activate() override;
+    void bringVisibleWindowToFront() override;
+
+  private:
+    ActivationPolicy policy_ = ActivationPolicy::regular;
+    ActivationNotifier activation_;
+    /// The connection to the application ends with it.
+    QObject context_;
+};
+
+}  // namespace orbinex

@@ -1,0 +1,129 @@
+#include "ui/interface.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QPixmapCache>
+#include <QQuickWindow>
+#include <QSGRendererInterface>
+#include <QScreen>
+#include <utility>
+
+#include <malloc.h>
+
+#include "app/terminal_text.h"
+#include "ui/panel_placement.h"
+
+namespace orbinex {
+
+Interface::Interface(Ports ports) : ports_(std::move(ports)) {
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    trayIcon_ = std::make_unique<TrayIcon>(
+        ports_.app.preferences, ports_.app.centralManager,
+        TrayIcon::Actions{[this] { togglePanel(); }, [this] { openMainWindow(); }});
+    ports_.app.preferences.attach(ports_.presence, ports_.queue);
+    // What needs an answer comes to the person; what only tells something waits for the window.
+    const auto open = [this](const auto& question) {
+        if (question) openMainWindow();
+    };
+    observers_.push_back(ports_.pairing.question.onDidChange(open));
+    observers_.push_back(ports_.relocation.alert.onDidChange(open));
+    observers_.push_back(ports_.app.centralManager.alert.onDidChange(
+        [this](const std::optional<BLEAlert>& alert) { tell(alert); }));
+}
+
+Interface::~Interface() {
+    ports_.app.preferences.detach();
+}
+
+void Interface::prepareApplication() {
+    // Nothing here needs a graphics card, and the drivers' memory would be several times our own.
+    QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+}
+
+Scene& Interface::loadedScene() {
+    if (!scene_) {
+        scene_ = std::make_unique<Scene>(
+            InterfaceModel::Sources{
+                ports_.queue,
+                {ports_.app.centralManager, ports_.app.trustStore, ports_.relocation, ports_.pairing},
+                {ports_.app.centralManager, ports_.app.accessibilityManager, ports_.app.loginItemManager,
+                 ports_.app.preferences},
+                ports_.urls},
+            InterfaceModel::Actions{[this] { openMainWindow(); }, ports_.quit},
+            [this](QQuickWindow& window) { follow(window); });
+    }
+    return *scene_;
+}
+
+void Interface::follow(QQuickWindow& window) {
+    QObject::connect(&window, &QWindow::visibleChanged, &context_, [this] { visibilityChanged(); });
+    if (window.objectName() == "panel") followPanel(window);
+}
+
+void Interface::followPanel(QQuickWindow& panel) {
+    QObject::connect(&panel, &QWindow::activeChanged, &context_, [this, &panel] {
+        if (panel.isActive() || !panel.isVisible()) return;
+        panelLeft_ = ports_.queue.uptime();
+        panel.hide();
+    });
+    // Rows come and go; the panel stays at the icon.
+    QObject::connect(&panel, &QWindow::heightChanged, &context_, [this, &panel] {
+        if (panel.isVisible()) placePanel(panel);
+    });
+}
+
+void Interface::visibilityChanged() {
+    releaseTimer_ =
+        hasVisibleWindows() ? Timer() : ports_.queue.after(unusedLifetime, [this] { release(); });
+}
+
+void Interface::release() {
+    scene_.reset();
+    QPixmapCache::clear();
+    // What was freed is in many places of the heap; this gives it back to the system.
+    ::malloc_trim(0);
+}
+
+void Interface::tell(const std::optional<BLEAlert>& alert) {
+    if (!alert || (scene_ && scene_->isMainWindowVisible())) return;
+    trayIcon_->showMessage(QString::fromStdString(terminalText(alert->title)),
+                           QString::fromStdString(terminalText(alert->message)));
+}
+
+void Interface::openMainWindow() {
+    QQuickWindow* const window = loadedScene().mainWindow();
+    if (!window) return;
+    if (!window->isVisible()) {
+        ports_.presence.prepare(*window);
+        window->show();
+    } else if (window->visibility() == QWindow::Minimized) {
+        window->showNormal();
+    }
+    if (QQuickWindow* const panel = scene_->isPanelVisible() ? scene_->panel() : nullptr) panel->hide();
+    ports_.presence.bringVisibleWindowToFront();
+}
+
+void Interface::togglePanel() {
+    if (scene_ && scene_->isPanelVisible()) return scene_->panel()->hide();
+    if (ports_.queue.uptime() - panelLeft_ >= clickTime) openPanel();
+}
+
+void Interface::openPanel() {
+    QQuickWindow* const panel = loadedScene().panel();
+    if (!panel) return;
+    const QRect icon = trayIcon_->geometry();
+    panelAnchor_ = icon.isEmpty() ? QRect(QCursor::pos(), QSize(1, 1)) : icon;
+    placePanel(*panel);
+    panel->show();
+    panel->raise();
+    panel->requestActivate();
+}
+
+void Interface::placePanel(QQuickWindow& panel) const {
+    const QScreen* screen = QGuiApplication::screenAt(panelAnchor_.center());
+    if (!screen) screen = QGuiApplication::primaryScreen();
+    panel.setPosition(panelPosition(panelAnchor_, panelAnchor_.center(), screen->availableGeometry(), panel.size()));
+}
+
+}  // namespace orbinex

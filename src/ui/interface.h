@@ -1,0 +1,76 @@
+#pragma once
+
+#include <QObject>
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "app/app_coordinator.h"
+#include "app/app_relocation_manager.h"
+#include "base/main_queue.h"
+#include "ui/desktop_presence.h"
+#include "ui/pairing_question.h"
+#include "ui/scene.h"
+#include "ui/tray_icon.h"
+
+namespace orbinex {
+
+/// The program's face: the tray icon, its panel and the main window. The windows are loaded when one is first
+/// asked for, and given back a while after the last was closed.
+class Interface final {
+  public:
+    /// How long windows that are not seen stay in memory, for who opens them again at once.
+    static constexpr std::chrono::seconds unusedLifetime{20};
+    /// A click that takes the focus from the panel, and so closes it, is not to open it again.
+    static constexpr std::chrono::milliseconds clickTime{300};
+
+    struct Ports {
+        MainQueue& queue;
+        AppCoordinator& app;
+        AppRelocationManager& relocation;
+        PairingQuestion& pairing;
+        UrlOpener& urls;
+        DesktopPresence& presence;
+        std::function<void()> quit;
+    };
+    /// Needs a QApplication; all ports must outlive the interface.
+    explicit Interface(Ports ports);
+    Interface(const Interface&) = delete;
+    Interface& operator=(const Interface&) = delete;
+    ~Interface();
+
+    /// To be called before the QApplication is made: how windows are to be drawn.
+    static void prepareApplication();
+
+    /// Brings the main window to the front, or opens it, and activates the program.
+    void openMainWindow();
+    /// Opens the panel at the tray icon, or closes it.
+    void togglePanel();
+    [[nodiscard]] bool hasVisibleWindows() const { return scene_ && scene_->hasVisibleWindow(); }
+    /// The QML side, null while it is not loaded.
+    [[nodiscard]] Scene* scene() { return scene_.get(); }
+    [[nodiscard]] TrayIcon& trayIcon() { return *trayIcon_; }
+
+  private:
+    [[nodiscard]] Scene& loadedScene();
+    void follow(QQuickWindow& window);
+    void followPanel(QQuickWindow& panel);
+    void openPanel();
+    void placePanel(QQuickWindow& panel) const;
+    void visibilityChanged();
+    void release();
+    void tell(const std::optional<BLEAlert>& alert);
+
+    Ports ports_;
+    std::unique_ptr<Scene> scene_;
+    std::unique_ptr<TrayIcon> trayIcon_;
+    /// Connections to windows end with it.
+    QObject context_;
+    QRect panelAnchor_;
+    std::chrono::nanoseconds panelLeft_{-clickTime};
+    Timer releaseTimer_;
+    std::vector<Subscription> observers_;
+};
+
+}  // namespace orbinex

@@ -1,0 +1,33 @@
+import QtQuick
+import QtQuick.Templates as T
+
+// A symbol to be clicked; `label` is its name for who cannot see it.
+T.Button {
+    id: button
+
+    required property string symbol
+    required property string label
+
+    implicitWidth: 8 * Theme.unit
+    implicitHeight: 8 * Theme.unit
+    focusPolicy: Qt.StrongFocus
+    Accessible.name: label
+    Keys.onReturnPressed: click()
+    Keys.onEnterPressed: click()
+
+    HoverHandler { cursorShape: Qt.PointingHandCursor }
+
+    contentItem: Item {
+        Symbol {
+            anchors.centerIn: parent
+            name: button.symbol
+            color: button.hovered || button.visualFocus ? Theme.ink : Theme.softInk
+            size: 20
+        }
+    }
+    background: Rectangle {
+        radius: height / 2
+        color: Theme.faded(Theme.ink, button.down ? 0.12 : button.hovered ? 0.07 : 0)
+        FocusRing { shown: button.visualFocus }
+    }
+}

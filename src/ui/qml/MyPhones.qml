@@ -1,0 +1,71 @@
+import QtQuick
+import QtQuick.Layouts
+
+GlassCard {
+    id: card
+    objectName: "myPhones"
+
+    SectionLabel {
+        text: texts.myIPhones
+        Layout.fillWidth: true
+        Layout.minimumHeight: 8 * Theme.unit
+        verticalAlignment: Text.AlignVCenter
+    }
+    SoftLabel {
+        objectName: "noTrusted"
+        text: texts.noTrusted
+        visible: app.phones.trusted.count === 0
+        Layout.fillWidth: true
+    }
+    Repeater {
+        model: app.phones.trusted
+        PhoneRow {
+            id: phone
+
+            required property string phoneId
+            required property string windowStatus
+            required property string moreLabel
+            required property bool canConnect
+            required property bool canDisconnect
+            required property int index
+
+            objectName: "myPhone" + index
+            symbol: "iphone"
+            status: windowStatus
+            statusColor: canDisconnect ? Theme.success : canConnect ? Theme.softInk : Theme.accent
+
+            SecondaryButton {
+                objectName: "connect"
+                text: texts.connect
+                compact: true
+                visible: phone.canConnect
+                Accessible.description: phone.name
+                onClicked: app.phones.connectTrusted(phone.phoneId)
+            }
+            SecondaryButton {
+                objectName: "disconnect"
+                text: texts.disconnect
+                compact: true
+                tint: Theme.danger
+                visible: phone.canDisconnect
+                Accessible.description: phone.name
+                onClicked: app.phones.disconnectTrusted(phone.phoneId)
+            }
+            IconButton {
+                id: more
+                objectName: "more"
+                symbol: "ellipsis.circle"
+                label: phone.moreLabel
+                Accessible.role: Accessible.ButtonMenu
+                onClicked: menu.open()
+                OptionsMenu {
+                    id: menu
+                    phoneId: phone.phoneId
+                    x: more.width - width
+                    y: more.height + Theme.unit
+                }
+            }
+        }
+    }
+    Item { Layout.fillHeight: true }
+}

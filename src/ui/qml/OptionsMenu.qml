@@ -1,0 +1,50 @@
+import QtQuick
+import QtQuick.Templates as T
+
+// What can be done with a trusted iPhone beside connecting it.
+T.Menu {
+    id: menu
+
+    required property string phoneId
+
+    implicitWidth: 60 * Theme.unit
+    implicitHeight: contentItem.implicitHeight + topPadding + bottomPadding
+    padding: 1.5 * Theme.unit
+    margins: 2 * Theme.unit
+
+    contentItem: ListView {
+        implicitHeight: contentHeight
+        model: menu.contentModel
+        currentIndex: menu.currentIndex
+        interactive: false
+    }
+    background: Rectangle {
+        radius: 2.5 * Theme.unit
+        color: "#1D222B"
+        border.color: "#353C48"
+    }
+
+    T.MenuItem {
+        id: item
+        objectName: "forget"
+        text: texts.forgetThis
+        implicitHeight: 9 * Theme.unit
+        width: menu.availableWidth
+        leftPadding: 3 * Theme.unit
+        font.family: Theme.book
+        font.pixelSize: Theme.bodySize
+        Accessible.name: text
+        onTriggered: app.message.askToForget(menu.phoneId)
+
+        contentItem: Text {
+            text: item.text
+            font: item.font
+            color: Theme.danger
+            verticalAlignment: Text.AlignVCenter
+        }
+        background: Rectangle {
+            radius: 1.5 * Theme.unit
+            color: item.highlighted || item.hovered ? Theme.faded(Theme.danger, 0.14) : "transparent"
+        }
+    }
+}

@@ -1,0 +1,7 @@
+import QtQuick
+
+ActionButton {
+    fill: Theme.primary
+    edge: Theme.primary
+    ink: Theme.primaryInk
+}

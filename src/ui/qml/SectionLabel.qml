@@ -1,0 +1,6 @@
+import QtQuick
+
+Label {
+    font.pixelSize: Theme.headingSize
+    Accessible.role: Accessible.Heading
+}

@@ -1,0 +1,9 @@
+import QtQuick
+
+// Secondary text.
+Label {
+    color: Theme.softInk
+    font.family: Theme.light
+    font.pixelSize: Theme.smallSize
+    lineHeight: 1.12
+}

@@ -1,0 +1,44 @@
+import QtQuick
+import QtQuick.Templates as T
+
+// A switch that always shows what `value` says: turning it only asks.
+T.Switch {
+    id: toggle
+
+    required property bool value
+    required property string label
+    signal wanted(bool on)
+
+    implicitWidth: 12 * Theme.unit
+    implicitHeight: 7 * Theme.unit
+    focusPolicy: Qt.StrongFocus
+    checked: value
+    Accessible.name: label
+    onToggled: {
+        wanted(checked)
+        checked = Qt.binding(() => toggle.value)
+    }
+    Keys.onReturnPressed: click()
+    Keys.onEnterPressed: click()
+
+    HoverHandler { cursorShape: Qt.PointingHandCursor }
+
+    indicator: Rectangle {
+        anchors.fill: parent
+        radius: height / 2
+        color: toggle.checked ? Theme.primary : "#2A303A"
+        border.color: toggle.checked ? Theme.primary : "#3A424E"
+        Behavior on color { ColorAnimation { duration: Theme.quick } }
+
+        Rectangle {
+            x: toggle.checked ? parent.width - width - 3 : 3
+            anchors.verticalCenter: parent.verticalCenter
+            width: parent.height - 6
+            height: width
+            radius: height / 2
+            color: toggle.checked ? "#FFFFFF" : "#B9C2CE"
+            Behavior on x { NumberAnimation { duration: Theme.quick; easing.type: Easing.OutCubic } }
+        }
+        FocusRing { shown: toggle.visualFocus }
+    }
+}

@@ -1,0 +1,68 @@
+#include "ui/scene.h"
+
+#include <QQmlComponent>
+#include <QQmlContext>
+#include <QQmlPropertyMap>
+#include <utility>
+
+#include "ui/interface_texts.h"
+#include "ui/symbol_provider.h"
+#include "ui/typeface.h"
+
+namespace orbinex {
+
+namespace {
+
+QVariantMap texts() {
+    QVariantMap map;
+    for (const auto& [name, text] : InterfaceText::labels())
+        map.insert(QString::fromUtf8(name), QString::fromUtf8(text));
+    return map;
+}
+
+QVariantMap typeface() {
+    const Typeface chosen = chooseTypeface();
+    return {{"book", chosen.book}, {"light", chosen.light}, {"scale", chosen.scale}};
+}
+
+}  // namespace
+
+Scene::Scene(const InterfaceModel::Sources& sources, InterfaceModel::Actions actions, WindowMade windowMade)
+    : windowMade_(std::move(windowMade)), model_(sources, std::move(actions)) {
+    engine_.addImportPath("qrc:/");
+    engine_.addImageProvider("symbol", new SymbolProvider);
+    engine_.rootContext()->setContextProperties({{"app", QVariant::fromValue(&model_)},
+                                                 {"texts", texts()},
+                                                 {"typeface", typeface()}});
+}
+
+Scene::~Scene() = default;
+
+std::unique_ptr<QQuickWindow> Scene::load(const QString& file) {
+    QQmlComponent component(&engine_, QUrl("qrc:/Orbinex/" + file));
+    std::unique_ptr<QObject> made(component.create());
+    auto* const window = qobject_cast<QQuickWindow*>(made.get());
+    if (!window) {
+        qWarning("orbinex: the window cannot be shown: %s", qUtf8Printable(component.errorString()));
+        return nullptr;
+    }
+    static_cast<void>(made.release());
+    windowMade_(*window);
+    return std::unique_ptr<QQuickWindow>(window);
+}
+
+QQuickWindow* Scene::mainWindow() {
+    if (!mainWindow_) mainWindow_ = load("MainWindow.qml");
+    return mainWindow_.get();
+}
+
+QQuickWindow* Scene::panel() {
+    if (!panel_) panel_ = load("Panel.qml");
+    return panel_.get();
+}
+
+bool Scene::hasVisibleWindow() const {
+    return isMainWindowVisible() || isPanelVisible();
+}
+
+}  // namespace orbinex

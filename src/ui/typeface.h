@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+
+namespace orbinex {
+
+/// The faces of the interface: Futura where the person has it, else the nearest open one that is installed,
+/// else the desktop's own.
+struct Typeface {
+    QString book;
+    QString light;
+    /// Some faces are drawn smaller than Futura at the same size; every size is multiplied by this.
+    double scale = 1;
+};
+/// Needs a QGuiApplication. Looks through the fonts of the system.
+[[nodiscard]] Typeface chooseTypeface();
+
+}  // namespace orbinex

@@ -1,0 +1,119 @@
+// Leaves a picture of every phase of the panel, of the main window in every state that looks different, and
+// of a message: pictures FOLDER. QT_SCALE_FACTOR is the scale.
+
+#include <QDir>
+#include <cstdio>
+
+#include "ui/faced_program.h"
+
+namespace orbinex::test {
+namespace {
+
+using namespace std::chrono_literals;
+
+class Pictures {
+  public:
+    explicit Pictures(QString folder) : folder_(std::move(folder)) { QDir().mkpath(folder_); }
+
+    void take(QQuickWindow& window, const QString& name) {
+        Hand(window).settle();
+        window.grabWindow().save(folder_ + "/" + name + ".png");
+    }
+    /// The whole page, however tall.
+    void takePage(FacedProgram& program, const QString& name, int width = 860) {
+        QQuickWindow& window = program.window();
+        window.resize(width, 720);
+        Hand hand(window);
+        const auto height = hand.property("scroller", "contentHeight").toInt();
+        take(window, name + "-window");
+        window.resize(width, height);
+        take(window, name);
+    }
+
+  private:
+    QString folder_;
+};
+
+void phases(Pictures& pictures) {
+    const struct {
+        const char* name;
+        LinkPhase phase;
+    } rows[] = {{"unavailable", LinkPhase::bluetoothUnavailable}, {"searching", LinkPhase::searching},
+                {"connecting", LinkPhase::connecting},            {"securing", LinkPhase::securing},
+                {"connected", LinkPhase::connected}};
+    for (const auto& row : rows) {
+        FacedProgram program;
+        auto& phone = program.addPhone("Ada's iPhone");
+        program.trust("Studio iPhone", 2 * 86'400s);
+        if (row.phase == LinkPhase::bluetoothUnavailable) {
+            program.radio.setState(BluetoothState::poweredOff);
+            program.advance(1s);
+        } else if (row.phase == LinkPhase::searching) {
+            program.advance(2s);
+        } else {
+            program.bringTo(row.phase, phone);
+        }
+        pictures.take(program.panel(), QString("panel-") + row.name);
+        pictures.takePage(program, QString("main-") + row.name);
+    }
+}
+
+void firstStart(Pictures& pictures) {
+    FacedProgram program({}, false);
+    program.advance(2s);
+    pictures.take(program.panel(), "panel-first");
+    pictures.takePage(program, "main-first");
+    pictures.takePage(program, "main-first-narrow", 480);
+}
+
+void crowded(Pictures& pictures) {
+    const std::string longName = "The Extraordinarily Long iPhone of Ada L.";
+    FacedProgram program({}, false);
+    program.trust(longName, 3'600s * 5);
+    program.trust("Kitchen iPhone");
+    program.addPhone(longName, -58);
+    program.addPhone("Second", -70);
+    program.addPhone("Third", -88);
+    program.addPhone("WWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWWW", -99);
+    program.shell.loginItem.present = LoginItemStatus::requiresApproval;
+    program.app.loginItemManager.setEnabled(true);
+    program.advance(2s);
+    pictures.take(program.panel(), "panel-crowded");
+    pictures.takePage(program, "main-crowded");
+    pictures.takePage(program, "main-crowded-narrow", 480);
+    Hand hand(program.window());
+    program.window().resize(860, 720);
+    hand.click("myPhone0/more");
+    pictures.take(program.window(), "main-menu");
+    hand.click("forget");
+    pictures.take(program.window(), "main-forget");
+}
+
+void messages(Pictures& pictures) {
+    FacedProgram program;
+    program.app.centralManager.connectTrustedDevice(program.trust("Studio iPhone"));
+    pictures.takePage(program, "main-alert");
+    program.relocation.offerMoveIfNeeded();
+    program.advance(1s);
+    pictures.takePage(program, "main-move");
+    program.pairing.ask("Ada's iPhone", "482 913", [](bool) {});
+    pictures.takePage(program, "main-pairing");
+    Hand hand(program.window());
+    hand.key(Qt::Key_Tab);
+    pictures.take(program.window(), "main-focus");
+}
+
+}  // namespace
+}  // namespace orbinex::test
+
+int main(int argc, char** argv) {
+    if (argc != 2) {
+        std::fprintf(stderr, "pictures FOLDER\n");
+        return 2;
+    }
+    orbinex::test::Pictures pictures(QString::fromLocal8Bit(argv[1]));
+    orbinex::test::phases(pictures);
+    orbinex::test::firstStart(pictures);
+    orbinex::test::crowded(pictures);
+    orbinex::test::messages(pictures);
+}
