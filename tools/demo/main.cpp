@@ -60,6 +60,9 @@ void tellTheStory(EventLoop& loop, Report& report, const Options& options) {
 
     report.chapter("The program starts");
     EditorFolder editor(desktop.place("editor"));
+    const auto clips = makeClipFiles(
+        desktop.place("media"),
+        [&](const char* name, const QStringList& arguments) { return desktop.run(name, arguments); });
     // The scripting host, a child of this program, finds the editor by it.
     qputenv("ORBINEX_EDITOR_FOLDER", QByteArray::fromStdString(editor.path().string()));
     const auto host = QCoreApplication::applicationDirPath() + QStringLiteral("/fuscript");
@@ -69,7 +72,7 @@ void tellTheStory(EventLoop& loop, Report& report, const Options& options) {
                      .commandFile = desktop.place("commands.txt"),
                      .soundServer = desktop.soundServer()});
     PhoneUser user(loop, program.phone(), options.isNested ? watchedPace : touchPace);
-    Stage stage{loop, report, desktop, screen, selections, program, user, editor};
+    Stage stage{loop, report, desktop, screen, selections, program, user, editor, clips};
     meetThePhone(stage);
     moveAndClick(stage);
     typeTheLetter(stage);

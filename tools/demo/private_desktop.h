@@ -36,6 +36,8 @@ class PrivateDesktop {
     /// Sets the keyboard's layout and variant, in words of the X keyboard extension; false when that fails.
     bool setKeyboardLayout(const char* layout, const char* variant);
     bool setBackground(const char* colour);
+    /// Runs a program on this desktop to its end; false when it fails.
+    bool run(const char* program, const QStringList& arguments);
     /// Writes what the screen shows to a PNG file.
     bool takePicture(const std::string& file);
 
@@ -51,7 +53,6 @@ class PrivateDesktop {
 
   private:
     void startServer(Screen screen);
-    bool run(const char* program, const QStringList& arguments);
     [[nodiscard]] QString path(const char* name) const;
 
     EventLoop& loop_;

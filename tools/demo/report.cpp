@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include <unistd.h>
+
 namespace orbinex::demo {
 
 namespace {
@@ -21,12 +23,16 @@ std::string quoted(std::string_view text) {
     return result + "”";
 }
 
-void print(const std::string& line) {
-    std::printf("%s\n", line.c_str());
-    std::fflush(stdout);
-}
+/// Up one line, and that line empty.
+constexpr const char* overTheLast = "\033[A\033[2K";
 
 }  // namespace
+
+void Report::print(const std::string& line) {
+    std::printf("%s\n", line.c_str());
+    std::fflush(stdout);
+    isPictureLast_ = false;
+}
 
 void Report::chapter(std::string_view title) {
     print("\n" + std::string(title));
@@ -34,6 +40,12 @@ void Report::chapter(std::string_view title) {
 
 void Report::says(std::string_view line) {
     print("    orbinex   " + std::string(line));
+}
+
+void Report::shows(std::string_view picture) {
+    const bool isInPlace = isPictureLast_ && ::isatty(STDOUT_FILENO) != 0;
+    print((isInPlace ? overTheLast : "") + ("    phone     " + std::string(picture)));
+    isPictureLast_ = true;
 }
 
 void Report::step(std::string_view name, std::string_view expected, std::string_view readBack) {
@@ -47,7 +59,7 @@ void Report::step(std::string_view name, std::string_view expected, std::string_
     }
 }
 
-void Report::summary(std::string_view picture) const {
+void Report::summary(std::string_view picture) {
     print("\ndemo: " + std::to_string(passed_) + " steps passed, " + std::to_string(failed_) + " failed");
     if (!picture.empty()) print("picture: " + std::string(picture));
 }

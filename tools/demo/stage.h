@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "clip_files.h"
 #include "editor_folder.h"
 #include "event_loop.h"
 #include "phone_user.h"
@@ -41,6 +42,8 @@ struct Stage {
     PhoneUser& user;
     /// The stand-in for an editing application.
     EditorFolder& editor;
+    /// The media on its timeline.
+    const ClipFiles& clips;
 
     /// What the letter in the editor must say.
     std::string letter = {};
@@ -69,6 +72,8 @@ void selectAndCopy(Stage& stage);
 void loseTheLinkInADrag(Stage& stage);
 void scrollThroughTheLetter(Stage& stage);
 void controlTheEditor(Stage& stage);
+/// A part of that chapter: the editor is in front and stands.
+void hearTheClips(Stage& stage);
 void restartTheEditor(Stage& stage);
 
 }  // namespace orbinex::demo

@@ -25,14 +25,19 @@ constexpr auto windowLimit = 6s;
 constexpr auto stepPace = 150ms;
 constexpr std::int64_t beginning = start + 48;
 
-EditorSession session() {
+constexpr std::int64_t finish = start + 480;
+
+EditorSession session(const ClipFiles& clips) {
+    const auto track = [](const char* name, const DemoClip& clip, std::int64_t from) {
+        return EditorTrack{
+            .name = name,
+            .clips = {{.name = clip.name(), .start = from, .finish = finish, .path = clip.path}}};
+    };
     EditorSession session;
     session.timeline = "Reel 1";
-    session.tracks = {
-        {.name = "Dialogue", .clips = {{.name = "Interview.wav", .start = start, .finish = start + 7200}}},
-        {.name = "Music", .clips = {{.name = "Theme.wav", .start = start, .finish = start + 7200}}},
-        {.name = "Effects", .clips = {{.name = "Door.wav", .start = start + 240, .finish = start + 260}}},
-    };
+    session.tracks = {track("Dialogue", clips.speech, start), track("Music", clips.sweep, start),
+                      track("Effects", clips.noise, start + 240), track("Line-up", clips.tone, start),
+                      track("Camera", clips.camera, start)};
     return session;
 }
 
@@ -98,7 +103,7 @@ void bringToTheFront(Stage& stage) {
 }
 
 void openTheEditor(Stage& stage) {
-    stage.editor.open(session());
+    stage.editor.open(session(stage.clips));
     stage.editor.seek(beginning);
     stage.desktop.startEditingApplication(stage.editor.path().string(), fps);
     bringToTheFront(stage);
@@ -192,6 +197,8 @@ void controlTheEditor(Stage& stage) {
     openTheEditor(stage);
     stage.report.chapter("The phone plays it");
     playAndStep(stage);
+    stage.report.chapter("The phone shows what the clips sound like");
+    hearTheClips(stage);
     stage.report.chapter("The phone is its mixer and its colour panel");
     useThePanels(stage);
     moveTheMaster(stage);
@@ -204,7 +211,7 @@ void restartTheEditor(Stage& stage) {
     stage.expectThat("the editor quits: its script", "has ended",
                      [&] { return !stage.program.bridge().isBridgeRunning(); });
     stage.user.control("MUTE|1|1");
-    stage.editor.open(session());
+    stage.editor.open(session(stage.clips));
     stage.editor.seek(beginning);
     stage.desktop.startEditingApplication(stage.editor.path().string(), fps);
     stage.expect("it is back, and so is what waited for it", R"(timeline:SetTrackEnable("audio", 1, false))",

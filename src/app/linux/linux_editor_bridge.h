@@ -1,7 +1,12 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
+#include "audio/background/background_source_opener.h"
+#include "audio/background/media_threads.h"
+#include "audio/codec/open_codec.h"
+#include "audio/linux/linux_clip_media.h"
 #include "base/main_queue.h"
 #include "editor_bridge/app_watcher_daemon.h"
 #include "editor_bridge/linux/linux_script_host.h"
@@ -29,6 +34,8 @@ class LinuxEditorBridge {
           scriptHost_(places.scriptHost, queue),
           commandFile_(places.commandFile),
           volume_(queue, places.soundServer),
+          clips_(std::make_shared<LinuxClipMedia>(openCodec, mediaThreads_.workers()),
+                 mediaThreads_.workers()),
           daemon_({queue, workspace_, scriptHost_, commandFile_, volume_, clips_}) {}
 
     AppWatcherDaemon& daemon() { return daemon_; }
@@ -42,9 +49,8 @@ class LinuxEditorBridge {
     LinuxScriptHost scriptHost_;
     TmpCommandFile commandFile_;
     PulseVolume volume_;
-    struct NoClips final : ClipSourceOpener {
-        std::optional<CachedAudioSource> open(const std::string&) override { return UnsupportedSource{}; }
-    } clips_;
+    MediaThreads mediaThreads_;
+    BackgroundSourceOpener clips_;
     AppWatcherDaemon daemon_;
 };
 
