@@ -63,6 +63,7 @@ class CountedMedia final : public ClipMedia {
 
 struct World {
     std::shared_ptr<test::ManualMediaWorkers> workers = std::make_shared<test::ManualMediaWorkers>();
+    test::ManualMediaWorkers::AtEnd atEnd{workers};
     std::shared_ptr<CountedMedia> media = std::make_shared<CountedMedia>(workers);
     BackgroundSourceOpener opener{media, workers};
 

@@ -39,6 +39,7 @@ std::vector<std::uint8_t> samplesRead(AudioFile& file, std::int64_t start, std::
 
 struct World {
     std::shared_ptr<ManualMediaWorkers> workers = std::make_shared<ManualMediaWorkers>();
+    ManualMediaWorkers::AtEnd atEnd{workers};
     std::shared_ptr<WatchedAudio> audio = std::make_shared<WatchedAudio>();
     PCMBuffer buffer{SampleType::float32, 2};
 

@@ -11,6 +11,18 @@ namespace orbinex::test {
 /// Workers that work when the test says, in time that the test sets.
 class ManualMediaWorkers final : public MediaWorkers {
   public:
+    /// Does what is left, and so lets go of what holds these workers.
+    class AtEnd {
+      public:
+        explicit AtEnd(std::shared_ptr<ManualMediaWorkers> workers) : workers_(std::move(workers)) {}
+        AtEnd(const AtEnd&) = delete;
+        AtEnd& operator=(const AtEnd&) = delete;
+        ~AtEnd() { workers_->runAll(); }
+
+      private:
+        std::shared_ptr<ManualMediaWorkers> workers_;
+    };
+
     /// Steps that are done while somebody waits.
     int stepsPerWait = 0;
     std::chrono::nanoseconds time = std::chrono::hours(1);

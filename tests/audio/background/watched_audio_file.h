@@ -26,7 +26,9 @@ struct WatchedAudio {
     bool isClosed = false;
 
     [[nodiscard]] std::int16_t sample(std::int64_t frame, int channel) const {
-        return static_cast<std::int16_t>(frame * 7 + (frame >> 13) * 31 + std::int64_t{channel} * 16'001);
+        const auto number = static_cast<std::uint64_t>(frame);
+        return static_cast<std::int16_t>(number * 7 + (number >> 13) * 31 +
+                                         static_cast<std::uint64_t>(channel) * 16'001);
     }
 };
 

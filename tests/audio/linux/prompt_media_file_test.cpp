@@ -30,6 +30,7 @@ constexpr std::size_t fileBytes = 3'000'000;
 struct World {
     TemporaryFolder folder;
     std::shared_ptr<ManualMediaWorkers> workers = std::make_shared<ManualMediaWorkers>();
+    ManualMediaWorkers::AtEnd atEnd{workers};
     std::string path = folder.file("a", fileBytes);
 
     std::unique_ptr<PromptMediaFile> open(Access access) {
@@ -145,6 +146,7 @@ TEST(PromptMediaFile, doesNotInsistOnAPageCacheThatKeepsNothing) {
     if (!std::filesystem::is_directory(memory)) GTEST_SKIP() << "no /dev/shm";
     const TemporaryFolder folder(memory);
     const auto workers = std::make_shared<ManualMediaWorkers>();
+    const ManualMediaWorkers::AtEnd atEnd(workers);
     workers->stepsPerWait = 10;
     auto posix = PosixMediaFile::open(folder.file("a", fileBytes));
     if (posix->access() != Access::memory) GTEST_SKIP() << "/dev/shm is a disk";
