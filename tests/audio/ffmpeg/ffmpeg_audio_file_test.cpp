@@ -16,7 +16,7 @@ std::unique_ptr<FFmpegAudioFile> open(FileBytes bytes) {
 }
 
 int readsOf(Exactness exactness) {
-    return exactness == Exactness::exact ? 150 * rounds : 5 * rounds;
+    return exactness == Exactness::exact ? 60 * rounds : 2 * rounds;
 }
 
 TEST(FFmpegAudioFile, givesTheSamplesOfAStraightDecodeWhereverItReads) {
