@@ -10,6 +10,8 @@ namespace orbinex::LinkText {
 
 namespace {
 
+constexpr const char* updateTitle = "Update Required";
+
 BLEAlert makeAlert(std::string title, std::string message) {
     return BLEAlert{UUID::random(), std::move(title), std::move(message)};
 }
@@ -125,16 +127,15 @@ BLEAlert handshakeTimedOutAlert(const std::string& name) {
 }
 
 BLEAlert characteristicMissingAlert(const std::string& name) {
-    return makeAlert("Update Required",
-                     name +
-                         " is running a different version of Orbinex. Update Orbinex on both "
-                         "your iPhone and Mac to the latest version.");
+    return makeAlert(updateTitle, name +
+                                      " is running a different version of Orbinex. Update Orbinex on both "
+                                      "your iPhone and Mac to the latest version.");
 }
 
 BLEAlert versionAlert(const std::string& name, std::uint8_t version) {
     const bool isOlder = compareVersion(version) == VersionMatch::peerOlder;
     return makeAlert(
-        "Update Required",
+        updateTitle,
         name + (isOlder ? " has an older version of Orbinex. Update Orbinex on your iPhone to continue."
                         : " has a newer version of Orbinex. Update Orbinex on this Mac to continue."));
 }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "link/link_texts.h"
+
 namespace orbinex {
 
 std::optional<AdvertisedName> parseAdvertisedName(std::string_view advertised) {
@@ -29,7 +31,7 @@ NearbyDevice heard(const NearbyDevice* known, const UUID& id, const std::string&
         device.name = known->name;
         device.token = known->token;
     } else {
-        device.name = advertisedName.empty() ? "iPhone" : advertisedName;
+        device.name = advertisedName.empty() ? LinkText::someIPhone : advertisedName;
     }
     if (rssi == unavailableRSSI) device.rssi = known ? known->rssi : unknownRSSI;
     return device;

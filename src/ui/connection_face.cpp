@@ -11,21 +11,29 @@ PhaseFace phaseFace(LinkPhase phase) {
     constexpr const char* mouse = "computermouse";
     switch (phase) {
         case LinkPhase::bluetoothUnavailable:
-            return {Text::bluetoothUnavailableWord, mouse, "exclamationmark.triangle.fill", Tint::danger,
-                    false, LinkAction::none, LinkAction::openBluetoothSettings};
+            return {Text::bluetoothUnavailableWord,
+                    mouse,
+                    "exclamationmark.triangle.fill",
+                    Tint::danger,
+                    false,
+                    LinkAction::none,
+                    LinkAction::openBluetoothSettings};
         case LinkPhase::searching: break;
         case LinkPhase::connecting:
-            return {Text::connectingWord, mouse, "arrow.triangle.2.circlepath", Tint::accent,
-                    true, LinkAction::cancel, LinkAction::cancel};
+            return {Text::connectingWord, mouse, "arrow.triangle.2.circlepath",
+                    Tint::accent,         true,  LinkAction::cancel,
+                    LinkAction::cancel};
         case LinkPhase::securing:
-            return {Text::securingWord, mouse, "lock.shield", Tint::accent,
-                    true, LinkAction::cancel, LinkAction::cancel};
+            return {Text::securingWord, mouse, "lock.shield", Tint::accent, true, LinkAction::cancel,
+                    LinkAction::cancel};
         case LinkPhase::connected:
-            return {Text::connectedWord, "computermouse.fill", "checkmark.circle.fill", Tint::success,
-                    false, LinkAction::disconnect, LinkAction::disconnect};
+            return {
+                Text::connectedWord,    "computermouse.fill",  "checkmark.circle.fill", Tint::success, false,
+                LinkAction::disconnect, LinkAction::disconnect};
     }
-    return {Text::searchingWord, mouse, "dot.radiowaves.left.and.right", Tint::accent,
-            true, LinkAction::searchAgain, LinkAction::searchAgain};
+    return {Text::searchingWord,    mouse, "dot.radiowaves.left.and.right",
+            Tint::accent,           true,  LinkAction::searchAgain,
+            LinkAction::searchAgain};
 }
 
 std::string actionLabel(LinkAction action) {

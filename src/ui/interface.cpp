@@ -74,8 +74,7 @@ void Interface::followPanel(QQuickWindow& panel) {
 }
 
 void Interface::visibilityChanged() {
-    releaseTimer_ =
-        hasVisibleWindows() ? Timer() : ports_.queue.after(unusedLifetime, [this] { release(); });
+    releaseTimer_ = hasVisibleWindows() ? Timer() : ports_.queue.after(unusedLifetime, [this] { release(); });
 }
 
 void Interface::release() {
@@ -123,7 +122,8 @@ void Interface::openPanel() {
 void Interface::placePanel(QQuickWindow& panel) const {
     const QScreen* screen = QGuiApplication::screenAt(panelAnchor_.center());
     if (!screen) screen = QGuiApplication::primaryScreen();
-    panel.setPosition(panelPosition(panelAnchor_, panelAnchor_.center(), screen->availableGeometry(), panel.size()));
+    panel.setPosition(
+        panelPosition(panelAnchor_, panelAnchor_.center(), screen->availableGeometry(), panel.size()));
 }
 
 }  // namespace orbinex

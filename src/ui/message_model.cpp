@@ -42,8 +42,12 @@ MessageModel::Message MessageModel::wanted() const {
                 text(deviceToForget_->id.text())};
     }
     if (const auto& alert = *sources_.central.alert) {
-        return {Kind::alert,           text(terminalText(alert->title)), text(terminalText(alert->message)),
-                {text(okButton)},      {},                               text(alert->id.text())};
+        return {Kind::alert,
+                text(terminalText(alert->title)),
+                text(terminalText(alert->message)),
+                {text(okButton)},
+                {},
+                text(alert->id.text())};
     }
     return {};
 }
@@ -71,9 +75,7 @@ void MessageModel::answer(int serial, int button, bool isTicked) {
             // The number of the question, not of the message: it may have been asked before this model.
             sources_.pairing.answer(message_.id.toInt(), isFirst);
             break;
-        case Kind::relocation:
-            sources_.relocation.answer(static_cast<std::size_t>(button), isTicked);
-            break;
+        case Kind::relocation: sources_.relocation.answer(static_cast<std::size_t>(button), isTicked); break;
         case Kind::forget: {
             const auto device = std::exchange(deviceToForget_, std::nullopt);
             if (isFirst) sources_.central.forgetDevice(*device);

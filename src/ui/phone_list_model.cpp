@@ -62,10 +62,14 @@ QVariant PhoneListModel::data(const QModelIndex& index, int role) const {
 }
 
 QHash<int, QByteArray> PhoneListModel::roleNames() const {
-    return {{phoneIdRole, "phoneId"},           {nameRole, "name"},
-            {panelStatusRole, "panelStatus"},   {windowStatusRole, "windowStatus"},
-            {canConnectRole, "canConnect"},     {canDisconnectRole, "canDisconnect"},
-            {barsRole, "bars"},                 {signalLabelRole, "signalLabel"},
+    return {{phoneIdRole, "phoneId"},
+            {nameRole, "name"},
+            {panelStatusRole, "panelStatus"},
+            {windowStatusRole, "windowStatus"},
+            {canConnectRole, "canConnect"},
+            {canDisconnectRole, "canDisconnect"},
+            {barsRole, "bars"},
+            {signalLabelRole, "signalLabel"},
             {moreLabelRole, "moreLabel"}};
 }
 

@@ -16,9 +16,9 @@ struct Unit {
 constexpr double day = 86'400;
 /// The longest first.
 constexpr std::array units{
-    Unit{365 * day, "last year", "years"},   Unit{30 * day, "last month", "months"},
-    Unit{7 * day, "last week", "weeks"},     Unit{day, "yesterday", "days"},
-    Unit{3'600, "1 hour ago", "hours"},      Unit{60, "1 minute ago", "minutes"},
+    Unit{365 * day, "last year", "years"}, Unit{30 * day, "last month", "months"},
+    Unit{7 * day, "last week", "weeks"},   Unit{day, "yesterday", "days"},
+    Unit{3'600, "1 hour ago", "hours"},    Unit{60, "1 minute ago", "minutes"},
 };
 
 }  // namespace

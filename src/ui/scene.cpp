@@ -22,7 +22,8 @@ QVariantMap texts() {
 
 QVariantMap typeface() {
     const Typeface chosen = chooseTypeface();
-    return {{"book", chosen.book}, {"light", chosen.light}, {"scale", chosen.scale}};
+    return {
+        {"book", chosen.book}, {"light", chosen.light}, {"scale", chosen.scale}, {"natural", chosen.natural}};
 }
 
 }  // namespace
@@ -31,9 +32,8 @@ Scene::Scene(const InterfaceModel::Sources& sources, InterfaceModel::Actions act
     : windowMade_(std::move(windowMade)), model_(sources, std::move(actions)) {
     engine_.addImportPath("qrc:/");
     engine_.addImageProvider("symbol", new SymbolProvider);
-    engine_.rootContext()->setContextProperties({{"app", QVariant::fromValue(&model_)},
-                                                 {"texts", texts()},
-                                                 {"typeface", typeface()}});
+    engine_.rootContext()->setContextProperties(
+        {{"app", QVariant::fromValue(&model_)}, {"texts", texts()}, {"typeface", typeface()}});
 }
 
 Scene::~Scene() = default;

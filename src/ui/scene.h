@@ -21,6 +21,7 @@ class Scene final {
     Scene& operator=(const Scene&) = delete;
     ~Scene();
 
+    [[nodiscard]] InterfaceModel& model() { return model_; }
     /// Not shown yet; null when it cannot be made, because QML modules are missing, which is then said on the
     /// standard error stream.
     [[nodiscard]] QQuickWindow* mainWindow();

@@ -11,6 +11,8 @@ struct Typeface {
     QString light;
     /// Some faces are drawn smaller than Futura at the same size; every size is multiplied by this.
     double scale = 1;
+    /// The height of a line as the face itself has it, in font sizes.
+    double natural = 1.2;
 };
 /// Needs a QGuiApplication. Looks through the fonts of the system.
 [[nodiscard]] Typeface chooseTypeface();

@@ -10,7 +10,8 @@ namespace {
 void failOnWarnings(QtMsgType type, const QMessageLogContext&, const QString& message) {
     if (type == QtDebugMsg || type == QtInfoMsg) return;
     if (message.contains("propagateSizeHints") || message.contains("XDG_RUNTIME_DIR") ||
-        message.contains("systemTrayWindowChanged") || message.contains("does not support raise")) return;
+        message.contains("systemTrayWindowChanged") || message.contains("does not support raise"))
+        return;
     ADD_FAILURE() << message.toStdString();
 }
 
@@ -107,10 +108,11 @@ QQuickWindow& FacedProgram::panel() {
 }
 
 void Hand::settle() {
-    for (int turn = 0; turn < 3; ++turn) QCoreApplication::processEvents();
-    // Polishes every item, which layouts wait for.
-    static_cast<void>(window_.grabWindow());
-    QCoreApplication::processEvents();
+    // A grab polishes every item, which layouts wait for; what one of them does may set off another.
+    for (int turn = 0; turn < 6; ++turn) {
+        QCoreApplication::processEvents();
+        static_cast<void>(window_.grabWindow());
+    }
 }
 
 bool Hand::sees(const QString& path) {

@@ -82,7 +82,10 @@ class Hand {
     /// False when there is nothing of that name to click.
     bool click(const QString& path);
     void press(const QString& path) { QTest::mousePress(&window_, Qt::LeftButton, {}, place(path)); }
-    void letGo(const QPoint& where) { QTest::mouseRelease(&window_, Qt::LeftButton, {}, where); settle(); }
+    void letGo(const QPoint& where) {
+        QTest::mouseRelease(&window_, Qt::LeftButton, {}, where);
+        settle();
+    }
     void key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
         QTest::keyClick(&window_, key, modifiers);
         settle();

@@ -38,8 +38,10 @@ void phases(Pictures& pictures) {
     const struct {
         const char* name;
         LinkPhase phase;
-    } rows[] = {{"unavailable", LinkPhase::bluetoothUnavailable}, {"searching", LinkPhase::searching},
-                {"connecting", LinkPhase::connecting},            {"securing", LinkPhase::securing},
+    } rows[] = {{"unavailable", LinkPhase::bluetoothUnavailable},
+                {"searching", LinkPhase::searching},
+                {"connecting", LinkPhase::connecting},
+                {"securing", LinkPhase::securing},
                 {"connected", LinkPhase::connected}};
     for (const auto& row : rows) {
         FacedProgram program;

@@ -1,9 +1,10 @@
 // The program: the one place where the parts are put together.
 
+#include <QApplication>
 #include <QCommandLineParser>
-#include <QCoreApplication>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -11,6 +12,7 @@
 
 #include "app/app_coordinator.h"
 #include "app/app_delegate.h"
+#include "app/linux/application_id.h"
 #include "app/linux/autostart_entry.h"
 #include "app/linux/computer_name.h"
 #include "app/linux/fd_watch.h"
@@ -28,6 +30,7 @@
 #include "app/terminal_console.h"
 #include "app/terminal_prompt.h"
 #include "app/terminal_text.h"
+#include "app/two_prompts.h"
 #include "app/x11/x11_input_permission.h"
 #include "input/uinput/uinput_scroll.h"
 #include "input/x11/x11_connection.h"
@@ -35,6 +38,7 @@
 #include "input/x11/x11_keyboard_layout_source.h"
 #include "link/bluez/bluez_central.h"
 #include "link/bluez/logind_wake.h"
+#include "ui/interface.h"
 
 namespace {
 
@@ -93,20 +97,30 @@ std::optional<int> endOfLaterStart(SingleInstance& instance) {
     return std::nullopt;
 }
 
+/// Without a display there is nobody to see windows, but --help and --version are answered.
+std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv, bool hasDisplay) {
+    if (!hasDisplay) return std::make_unique<QCoreApplication>(argc, argv);
+    // Input goes to the X server in any case, and there alone a window can be put at the tray icon.
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "xcb");
+    Interface::prepareApplication();
+    QGuiApplication::setDesktopFileName(applicationId);
+    return std::make_unique<QApplication>(argc, argv);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     prepareStandardStreams();
-    const QCoreApplication application(argc, argv);
+    const auto display = X11Connection::open();
+    const auto application = makeApplication(argc, argv, display != nullptr);
     QCoreApplication::setApplicationVersion(QString::fromUtf8(shortVersion.data(), shortVersion.size()));
-    const Options options = parse(application);
+    const Options options = parse(*application);
     SingleInstance instance(privateRuntimeFolder(variable("XDG_RUNTIME_DIR")));
     if (const auto end = endOfLaterStart(instance)) return *end;
     QtMainQueue queue;
     int status = 0;
     const UnixSignals signals([&](int) { QCoreApplication::exit(status); });
 
-    const auto display = X11Connection::open();
     if (!display) {
         std::fprintf(stderr,
                      "orbinex: no X display. Start it in a graphical session, or set DISPLAY to one.\n");
@@ -129,33 +143,39 @@ int main(int argc, char** argv) {
         status = 1;
         QCoreApplication::exit(status);
     });
-    TerminalPrompt prompt(say);
+    TerminalPrompt terminalPrompt(say);
+    PairingQuestion pairing;
+    TwoPrompts prompts(terminalPrompt, pairing);
     const SystemBus bus;
     LogindWake wake(bus.connection());
-    BluezCentral central(bus.connection(), {queue, defaults, prompt, wake, options.adapter});
+    BluezCentral central(bus.connection(), {queue, defaults, prompts, wake, options.adapter});
     LinuxEditorBridge editors(queue, options.places);
 
     LinuxShell shell(queue, instance, [] { QCoreApplication::quit(); });
     X11InputPermission inputPermission(*display);
-    ActivationNotifier activation;
-    AppCoordinator coordinator(preferences, {queue,
-                                             defaults,
-                                             central,
-                                             wake,
-                                             poster,
-                                             layouts,
-                                             editors.daemon(),
-                                             computerName,
-                                             {inputPermission, shell.loginItem(), shell.urls(), activation}});
+    DesktopPresence presence;
+    AppCoordinator coordinator(preferences,
+                               {queue,
+                                defaults,
+                                central,
+                                wake,
+                                poster,
+                                layouts,
+                                editors.daemon(),
+                                computerName,
+                                {inputPermission, shell.loginItem(), shell.urls(), presence.activation()}});
     AppRelocationManager relocation(queue, defaults, shell.bundle());
 
-    // On a terminal there is no window to open; what it would show first is how things are.
-    AppDelegate delegate(preferences, relocation, [&] { say(*coordinator.centralManager.statusMessage); });
+    Interface face(
+        {queue, coordinator, relocation, pairing, shell.urls(), presence, [] { QCoreApplication::quit(); }});
+
+    AppDelegate delegate(preferences, relocation, [&] { face.openMainWindow(); });
     delegate.willFinishLaunching();
     delegate.didFinishLaunching(options.isLoginLaunch);
     instance.serve(queue, [&](const std::string&) { delegate.handleSecondLaunch(); });
 
     std::string shown = *coordinator.centralManager.statusMessage;
+    say(shown);
     const auto lines = coordinator.centralManager.statusMessage.onDidChange([&](const std::string& line) {
         if (std::exchange(shown, line) != line) say(line);
     });
@@ -168,9 +188,10 @@ int main(int argc, char** argv) {
     };
     sayMissing(*coordinator.accessibilityManager.explanation);
     const auto missing = coordinator.accessibilityManager.explanation.onDidChange(sayMissing);
-    TerminalConsole console(coordinator, prompt, say, [] { QCoreApplication::quit(); });
+    TerminalConsole console(coordinator, terminalPrompt, say, [] { QCoreApplication::quit(); });
+    // Where nobody can type any more, a pairing is still asked about in the window.
     const StandardInput input(
-        queue, [&](const std::string& line) { console.execute(line); }, [&] { prompt.inputEnded(); });
+        queue, [&](const std::string& line) { console.execute(line); }, [] {});
     const int result = QCoreApplication::exec();
     return result != 0 ? result : status;
 }

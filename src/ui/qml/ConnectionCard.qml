@@ -1,62 +1,70 @@
 import QtQuick
-import QtQuick.Layouts
 
 GlassCard {
     id: card
     objectName: "connectionCard"
     padding: 8 * Theme.unit
+    spacing: 6 * Theme.unit
 
-    GridLayout {
-        Layout.fillWidth: true
-        columns: card.width < 560 ? 2 : 3
-        columnSpacing: 7 * Theme.unit
-        rowSpacing: Theme.gap
+    readonly property bool isWide: width >= 560
 
-        StatusOrb {
+    Line {
+        gap: 8 * Theme.unit
+        middleSpacing: 2 * Theme.unit
+        leading: StatusOrb {
             objectName: "orb"
             symbol: app.connection.orbSymbol
             tint: Theme.tint(app.connection.tint)
             pulse: app.connection.isPulsing
             size: 72
-            // Room for the ring.
-            Layout.margins: 4
         }
-        ColumnLayout {
-            Layout.fillWidth: true
-            spacing: 2 * Theme.unit
-            Label {
-                objectName: "connectionTitle"
-                text: app.connection.windowTitle
-                font.pixelSize: Theme.titleSize
-                maximumLineCount: 3
-                elide: Text.ElideRight
-                lineHeight: 1.02
-                Accessible.role: Accessible.Heading
-                Layout.fillWidth: true
+        Label {
+            objectName: "connectionTitle"
+            text: app.connection.windowTitle
+            font.pixelSize: Theme.titleSize
+            leading: 1.1
+            maximumLineCount: 4
+            elide: Text.ElideRight
+            width: parent.width
+            Accessible.role: Accessible.Heading
+        }
+        Line {
+            visible: app.connection.isSecuring
+            gap: 2 * Theme.unit
+            isLeadingAtTop: true
+            leading: Symbol {
+                name: "lock.shield"
+                color: Theme.accent
+                size: 18
             }
-            RowLayout {
-                visible: app.connection.isSecuring
-                spacing: 2 * Theme.unit
-                Symbol {
-                    name: "lock.shield"
-                    color: Theme.accent
-                    size: 18
-                    Layout.alignment: Qt.AlignTop
-                }
-                SoftLabel {
-                    objectName: "pairingHint"
-                    text: texts.pairingHint
-                    Layout.fillWidth: true
-                }
+            SoftLabel {
+                objectName: "pairingHint"
+                text: texts.pairingHint
+                width: parent.width
             }
         }
-        PhaseButton {
-            objectName: "connectionAction"
-            phaseAction: app.connection.windowAction
-            text: app.connection.windowActionLabel
-            symbol: text === texts.searchAgain ? "arrow.clockwise" : ""
-            tint: app.connection.isConnected ? Theme.danger : Theme.accent
-            Layout.columnSpan: card.width < 560 ? 2 : 1
+        trailing: Item {
+            id: beside
+            visible: card.isWide
+            width: action.width
+            height: action.height
         }
+    }
+    Item {
+        id: below
+        visible: !card.isWide
+        width: action.width
+        height: action.height
+    }
+
+    // One button, beside the title or below it.
+    PhaseButton {
+        id: action
+        objectName: "connectionAction"
+        parent: card.isWide ? beside : below
+        phaseAction: app.connection.windowAction
+        text: app.connection.windowActionLabel
+        symbol: text === texts.searchAgain ? "arrow.clockwise" : ""
+        tint: app.connection.isConnected ? Theme.danger : Theme.accent
     }
 }

@@ -1,6 +1,7 @@
 import QtQuick
 
 Rectangle {
-    implicitHeight: 1
+    width: parent.width
+    height: 1
     color: Theme.line
 }

@@ -1,18 +1,20 @@
 import QtQuick
-import QtQuick.Layouts
 
 Flow {
     id: footer
     objectName: "footer"
     spacing: 2 * Theme.unit
 
-    SoftLabel {
-        objectName: "version"
-        text: app.version
+    Item {
+        width: version.width + 4 * Theme.unit
         height: 8 * Theme.unit
-        rightPadding: 4 * Theme.unit
-        verticalAlignment: Text.AlignVCenter
-        wrapMode: Text.NoWrap
+        SoftLabel {
+            id: version
+            objectName: "version"
+            anchors.verticalCenter: parent.verticalCenter
+            text: app.version
+            wrapMode: Text.NoWrap
+        }
     }
     LinkButton {
         objectName: "getTheApp"

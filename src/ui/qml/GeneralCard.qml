@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Layouts
 
 GlassCard {
     objectName: "general"
@@ -7,7 +6,7 @@ GlassCard {
 
     SectionLabel {
         text: texts.general
-        Layout.fillWidth: true
+        width: parent.width
     }
     SwitchRow {
         objectName: "openAtLogin"
@@ -21,7 +20,7 @@ GlassCard {
         text: app.settings.loginItemError
         visible: text !== ""
         color: Theme.warning
-        Layout.fillWidth: true
+        width: parent.width
     }
     SecondaryButton {
         objectName: "approve"
@@ -50,5 +49,4 @@ GlassCard {
         value: app.settings.showInMenuBar
         onWanted: on => app.settings.showInMenuBar = on
     }
-    Item { Layout.fillHeight: true }
 }

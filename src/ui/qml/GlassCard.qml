@@ -1,7 +1,6 @@
 import QtQuick
-import QtQuick.Layouts
 
-// A pane of dark glass: lighter where light would fall on it.
+// A pane of dark glass: lighter where light would fall on it. What is in it stands in a column.
 Rectangle {
     id: card
 
@@ -11,8 +10,7 @@ Rectangle {
     property alias spacing: column.spacing
 
     radius: Theme.cornerRadius
-    implicitWidth: column.implicitWidth + 2 * padding
-    implicitHeight: column.implicitHeight + 2 * padding
+    implicitHeight: column.height + 2 * padding
     border.color: edge
     border.width: 1
     gradient: Gradient {
@@ -20,10 +18,11 @@ Rectangle {
         GradientStop { position: 1; color: Theme.raised }
     }
 
-    ColumnLayout {
+    Column {
         id: column
-        anchors.fill: parent
-        anchors.margins: card.padding
+        x: card.padding
+        y: card.padding
+        width: card.width - 2 * card.padding
         spacing: Theme.gap
     }
 }

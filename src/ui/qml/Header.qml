@@ -1,10 +1,7 @@
 import QtQuick
-import QtQuick.Layouts
 
-RowLayout {
-    spacing: 3 * Theme.unit
-
-    Symbol {
+Line {
+    leading: Symbol {
         name: "computermouse.fill"
         color: Theme.accent
         size: 24
@@ -16,14 +13,14 @@ RowLayout {
         font.letterSpacing: 5
         wrapMode: Text.NoWrap
         Accessible.role: Accessible.Heading
-        Layout.fillWidth: true
     }
-    Rectangle {
+    trailing: Rectangle {
         id: pill
-        objectName: "phasePill"
+
         readonly property color tint: Theme.tint(app.connection.tint)
-        implicitWidth: inside.implicitWidth + 5 * Theme.unit
-        implicitHeight: 9 * Theme.unit
+
+        width: inside.width + 5 * Theme.unit
+        height: 9 * Theme.unit
         radius: height / 2
         color: Theme.faded(tint, 0.08)
         border.color: Theme.faded(tint, 0.3)

@@ -12,8 +12,8 @@ T.Button {
     implicitHeight: 8 * Theme.unit
     focusPolicy: Qt.StrongFocus
     Accessible.name: label
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
 
     HoverHandler { cursorShape: Qt.PointingHandCursor }
 

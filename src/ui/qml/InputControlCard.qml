@@ -1,53 +1,49 @@
 import QtQuick
-import QtQuick.Layouts
 
 GlassCard {
     objectName: "inputControlCard"
     edge: Theme.faded(Theme.warning, 0.35)
 
-    RowLayout {
-        Layout.fillWidth: true
-        spacing: 5 * Theme.unit
-
-        Symbol {
+    Line {
+        gap: 5 * Theme.unit
+        isLeadingAtTop: true
+        middleSpacing: 2 * Theme.unit
+        leading: Symbol {
             name: "hand.raised.fill"
             color: Theme.warning
             size: 32
-            Layout.alignment: Qt.AlignTop
         }
-        ColumnLayout {
-            Layout.fillWidth: true
-            spacing: 2 * Theme.unit
-            SectionLabel {
-                objectName: "inputTitle"
-                text: texts.inputTitle
-                Layout.fillWidth: true
+        SectionLabel {
+            objectName: "inputTitle"
+            text: texts.inputTitle
+            width: parent.width
+        }
+        SoftLabel {
+            objectName: "inputText"
+            text: texts.inputText
+            width: parent.width
+        }
+        SoftLabel {
+            objectName: "inputExplanation"
+            text: app.settings.inputExplanation
+            visible: text !== ""
+            color: Theme.warning
+            width: parent.width
+        }
+        Flow {
+            topPadding: 2 * Theme.unit
+            spacing: 3 * Theme.unit
+            width: parent.width
+            PrimaryButton {
+                objectName: "allowAccess"
+                text: texts.allowAccess
+                onClicked: app.settings.allowInput()
             }
-            SoftLabel {
-                objectName: "inputText"
-                text: texts.inputText
-                Layout.fillWidth: true
-            }
-            SoftLabel {
-                objectName: "inputExplanation"
-                text: app.settings.inputExplanation
-                visible: text !== ""
-                color: Theme.warning
-                Layout.fillWidth: true
-            }
-            RowLayout {
-                Layout.topMargin: 2 * Theme.unit
-                spacing: 3 * Theme.unit
-                PrimaryButton {
-                    objectName: "allowAccess"
-                    text: texts.allowAccess
-                    onClicked: app.settings.allowInput()
-                }
-                LinkButton {
-                    objectName: "openSettings"
-                    text: texts.openSettings
-                    onClicked: app.settings.openInputSettings()
-                }
+            LinkButton {
+                objectName: "openSettings"
+                text: texts.openSettings
+                height: 10 * Theme.unit
+                onClicked: app.settings.openInputSettings()
             }
         }
     }

@@ -1,11 +1,10 @@
 import QtQuick
-import QtQuick.Layouts
 
 Window {
     id: window
     objectName: "main"
 
-    readonly property bool isWide: page.width >= 640
+    readonly property bool isWide: page.width >= 700
 
     title: texts.orbinex
     width: 860
@@ -30,56 +29,58 @@ Window {
     Scroller {
         objectName: "scroller"
         anchors.fill: parent
-        contentHeight: page.implicitHeight + 2 * Theme.margin
+        contentHeight: page.height + 2 * Theme.margin
 
-        ColumnLayout {
+        Column {
             id: page
             x: Math.max(Theme.margin, (parent.width - width) / 2)
             y: Theme.margin
             width: Math.min(window.width - 2 * Theme.margin, 1040)
             spacing: Theme.gap
 
-            Header {
-                Layout.fillWidth: true
-                Layout.bottomMargin: Theme.unit
-            }
-            ConnectionCard { Layout.fillWidth: true }
+            Header {}
+            ConnectionCard { width: parent.width }
             SetUpGuide {
                 visible: !app.connection.isConnected
-                Layout.fillWidth: true
+                width: parent.width
             }
             InputControlCard {
                 visible: !app.settings.isInputAllowed
-                Layout.fillWidth: true
+                width: parent.width
             }
-            GridLayout {
-                Layout.fillWidth: true
-                columns: window.isWide ? 2 : 1
-                columnSpacing: Theme.gap
-                rowSpacing: Theme.gap
+            Flow {
+                id: cards
+
+                readonly property real cardWidth: window.isWide ? Math.floor((width - spacing) / 2) : width
+                function sharedHeight(card, neighbour) {
+                    return window.isWide ? Math.max(card.implicitHeight, neighbour.implicitHeight) : card.implicitHeight
+                }
+
+                spacing: Theme.gap
+                width: parent.width
 
                 MyPhones {
-                    Layout.fillWidth: true
-                    Layout.fillHeight: true
-                    Layout.preferredWidth: 1
+                    id: mine
+                    width: cards.cardWidth
+                    height: cards.sharedHeight(mine, nearby)
                 }
                 NearbyPhones {
-                    Layout.fillWidth: true
-                    Layout.fillHeight: true
-                    Layout.preferredWidth: 1
+                    id: nearby
+                    width: cards.cardWidth
+                    height: cards.sharedHeight(nearby, mine)
                 }
                 PermissionsCard {
-                    Layout.fillWidth: true
-                    Layout.fillHeight: true
-                    Layout.preferredWidth: 1
+                    id: permissions
+                    width: cards.cardWidth
+                    height: cards.sharedHeight(permissions, general)
                 }
                 GeneralCard {
-                    Layout.fillWidth: true
-                    Layout.fillHeight: true
-                    Layout.preferredWidth: 1
+                    id: general
+                    width: cards.cardWidth
+                    height: cards.sharedHeight(general, permissions)
                 }
             }
-            Footer { Layout.fillWidth: true }
+            Footer { width: parent.width }
         }
     }
 

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Layouts
 import QtQuick.Templates as T
 
 // The message that waits for an answer, in front of everything else in the window.
@@ -31,8 +30,9 @@ T.Popup {
         ticked.checked = false
     }
     function defaultButton() {
-        const first = buttons.itemAt(0)
-        if (first) first.forceActiveFocus(Qt.OtherFocusReason)
+        // What takes something away is not to happen by a stray Return.
+        const chosen = buttons.itemAt(app.message.isDestructive ? buttons.count - 1 : 0)
+        if (chosen) chosen.forceActiveFocus(Qt.OtherFocusReason)
     }
     Connections {
         target: app.message
@@ -51,17 +51,16 @@ T.Popup {
     }
 
     contentItem: FocusScope {
-        implicitHeight: column.implicitHeight
+        implicitHeight: column.height
         focus: true
         Accessible.role: Accessible.AlertMessage
         Accessible.name: app.message.title
         Accessible.description: app.message.text
         Keys.onEscapePressed: box.answer(app.message.buttons.length - 1)
 
-        ColumnLayout {
+        Column {
             id: column
-            anchors.left: parent.left
-            anchors.right: parent.right
+            width: parent.width
             spacing: 3 * Theme.unit
 
             Label {
@@ -70,23 +69,22 @@ T.Popup {
                 font.pixelSize: Theme.headingSize
                 maximumLineCount: 4
                 elide: Text.ElideRight
-                Layout.fillWidth: true
+                width: parent.width
             }
             SoftLabel {
                 objectName: "messageText"
                 text: app.message.text
-                Layout.fillWidth: true
+                width: parent.width
             }
             CheckRow {
                 id: ticked
                 objectName: "suppression"
                 text: app.message.suppression
                 visible: text !== ""
-                Layout.topMargin: Theme.unit
             }
             Flow {
-                Layout.fillWidth: true
-                Layout.topMargin: 3 * Theme.unit
+                width: parent.width
+                topPadding: 3 * Theme.unit
                 layoutDirection: Qt.RightToLeft
                 spacing: 2 * Theme.unit
                 Repeater {

@@ -1,21 +1,21 @@
 import QtQuick
-import QtQuick.Layouts
 
 GlassCard {
     id: card
     objectName: "myPhones"
 
-    SectionLabel {
-        text: texts.myIPhones
-        Layout.fillWidth: true
-        Layout.minimumHeight: 8 * Theme.unit
-        verticalAlignment: Text.AlignVCenter
+    Line {
+        minimumHeight: 8 * Theme.unit
+        SectionLabel {
+            text: texts.myIPhones
+            width: parent.width
+        }
     }
     SoftLabel {
         objectName: "noTrusted"
         text: texts.noTrusted
         visible: app.phones.trusted.count === 0
-        Layout.fillWidth: true
+        width: parent.width
     }
     Repeater {
         model: app.phones.trusted
@@ -34,38 +34,39 @@ GlassCard {
             status: windowStatus
             statusColor: canDisconnect ? Theme.success : canConnect ? Theme.softInk : Theme.accent
 
-            SecondaryButton {
-                objectName: "connect"
-                text: texts.connect
-                compact: true
-                visible: phone.canConnect
-                Accessible.description: phone.name
-                onClicked: app.phones.connectTrusted(phone.phoneId)
-            }
-            SecondaryButton {
-                objectName: "disconnect"
-                text: texts.disconnect
-                compact: true
-                tint: Theme.danger
-                visible: phone.canDisconnect
-                Accessible.description: phone.name
-                onClicked: app.phones.disconnectTrusted(phone.phoneId)
-            }
-            IconButton {
-                id: more
-                objectName: "more"
-                symbol: "ellipsis.circle"
-                label: phone.moreLabel
-                Accessible.role: Accessible.ButtonMenu
-                onClicked: menu.open()
-                OptionsMenu {
-                    id: menu
-                    phoneId: phone.phoneId
-                    x: more.width - width
-                    y: more.height + Theme.unit
+            trailing: [
+                SecondaryButton {
+                    objectName: "connect"
+                    text: texts.connect
+                    compact: true
+                    visible: phone.canConnect
+                    Accessible.description: phone.name
+                    onClicked: app.phones.connectTrusted(phone.phoneId)
+                },
+                SecondaryButton {
+                    objectName: "disconnect"
+                    text: texts.disconnect
+                    compact: true
+                    tint: Theme.danger
+                    visible: phone.canDisconnect
+                    Accessible.description: phone.name
+                    onClicked: app.phones.disconnectTrusted(phone.phoneId)
+                },
+                IconButton {
+                    id: more
+                    objectName: "more"
+                    symbol: "ellipsis.circle"
+                    label: phone.moreLabel
+                    Accessible.role: Accessible.ButtonMenu
+                    onClicked: menu.open()
+                    OptionsMenu {
+                        id: menu
+                        phoneId: phone.phoneId
+                        x: more.width - width
+                        y: more.height + Theme.unit
+                    }
                 }
-            }
+            ]
         }
     }
-    Item { Layout.fillHeight: true }
 }

@@ -1,17 +1,15 @@
 import QtQuick
-import QtQuick.Layouts
 
 GlassCard {
     id: card
     objectName: "nearbyPhones"
 
-    RowLayout {
-        Layout.fillWidth: true
+    Line {
         SectionLabel {
             text: texts.nearbyIPhones
-            Layout.fillWidth: true
+            width: parent.width
         }
-        IconButton {
+        trailing: IconButton {
             objectName: "searchAgain"
             symbol: "arrow.clockwise"
             label: texts.searchAgainIcon
@@ -21,7 +19,7 @@ GlassCard {
     SoftLabel {
         objectName: "caution"
         text: texts.caution
-        Layout.fillWidth: true
+        width: parent.width
     }
     Repeater {
         model: app.phones.nearby
@@ -36,14 +34,12 @@ GlassCard {
             objectName: "nearbyPhone" + index
             symbol: "iphone.radiowaves.left.and.right"
             status: texts.newIPhone
-
-            SignalBars {
+            badge: SignalBars {
                 objectName: "signal"
                 bars: phone.bars
                 label: phone.signalLabel
-                Layout.rightMargin: Theme.unit
             }
-            PrimaryButton {
+            trailing: PrimaryButton {
                 objectName: "trust"
                 text: texts.trustAndConnect
                 compact: true
@@ -52,22 +48,21 @@ GlassCard {
             }
         }
     }
-    ColumnLayout {
+    Column {
         objectName: "noneNearby"
         visible: app.phones.nearby.count === 0
         spacing: Theme.unit
-        Layout.fillWidth: true
+        width: parent.width
         Label {
             objectName: "noneNearbyTitle"
             text: app.connection.isBluetoothUnavailable ? texts.turnOnBluetooth : texts.noneFound
-            Layout.fillWidth: true
+            width: parent.width
         }
         SoftLabel {
             objectName: "noneNearbyHelp"
             text: texts.noneFoundHelp
             visible: !app.connection.isBluetoothUnavailable
-            Layout.fillWidth: true
+            width: parent.width
         }
     }
-    Item { Layout.fillHeight: true }
 }

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Layouts
 
 // The small window at the tray icon.
 Window {
@@ -9,7 +8,7 @@ Window {
     title: texts.orbinex
     flags: Qt.Tool | Qt.FramelessWindowHint | Qt.WindowStaysOnTopHint
     width: 340
-    height: Math.min(page.implicitHeight + 2 * page.y, Screen.desktopAvailableHeight - 4 * Theme.unit)
+    height: Math.min(page.height + 2 * page.y, Screen.desktopAvailableHeight - 4 * Theme.unit)
     color: Theme.background
 
     Shortcut {
@@ -27,19 +26,18 @@ Window {
 
     Scroller {
         anchors.fill: parent
-        contentHeight: page.implicitHeight + 2 * page.y
+        contentHeight: page.height + 2 * page.y
 
-        ColumnLayout {
+        Column {
             id: page
             x: 5 * Theme.unit
             y: 4 * Theme.unit
             width: panel.width - 2 * x
             spacing: 3 * Theme.unit
 
-            RowLayout {
-                Layout.fillWidth: true
-                spacing: 2.5 * Theme.unit
-                Symbol {
+            Line {
+                gap: 2.5 * Theme.unit
+                leading: Symbol {
                     name: "computermouse.fill"
                     color: Theme.accent
                     size: 20
@@ -49,38 +47,36 @@ Window {
                     font.pixelSize: Theme.headingSize
                     wrapMode: Text.NoWrap
                     Accessible.role: Accessible.Heading
-                    Layout.fillWidth: true
                 }
-                Label {
-                    objectName: "phaseWord"
-                    text: app.connection.word
-                    font.pixelSize: Theme.smallSize
-                    color: Theme.tint(app.connection.tint)
-                    wrapMode: Text.NoWrap
-                }
-                StatusOrb {
-                    objectName: "orb"
-                    symbol: app.connection.orbSymbol
-                    tint: Theme.tint(app.connection.tint)
-                    pulse: app.connection.isPulsing
-                    size: 24
-                    Layout.margins: 3
-                }
+                trailing: [
+                    Label {
+                        objectName: "phaseWord"
+                        anchors.verticalCenter: parent.verticalCenter
+                        text: app.connection.word
+                        font.pixelSize: Theme.smallSize
+                        color: Theme.tint(app.connection.tint)
+                        wrapMode: Text.NoWrap
+                    },
+                    StatusOrb {
+                        objectName: "orb"
+                        symbol: app.connection.orbSymbol
+                        tint: Theme.tint(app.connection.tint)
+                        pulse: app.connection.isPulsing
+                        size: 26
+                    }
+                ]
             }
-            Divider { Layout.fillWidth: true }
-            RowLayout {
-                Layout.fillWidth: true
-                spacing: 3 * Theme.unit
+            Divider {}
+            Line {
+                minimumHeight: 8 * Theme.unit
                 Label {
                     objectName: "statusLine"
                     text: app.connection.panelStatus
-                    maximumLineCount: 3
+                    maximumLineCount: 5
                     elide: Text.ElideRight
-                    Layout.fillWidth: true
-                    Layout.minimumHeight: 8 * Theme.unit
-                    verticalAlignment: Text.AlignVCenter
+                    width: parent.width
                 }
-                PhaseButton {
+                trailing: PhaseButton {
                     objectName: "panelAction"
                     phaseAction: app.connection.panelAction
                     text: app.connection.panelActionLabel
@@ -91,7 +87,6 @@ Window {
             Divider {
                 objectName: "trustedDivider"
                 visible: app.phones.trusted.count > 0
-                Layout.fillWidth: true
             }
             Repeater {
                 model: app.phones.trusted
@@ -111,7 +106,6 @@ Window {
             Divider {
                 objectName: "nearbyDivider"
                 visible: app.phones.nearby.count > 0
-                Layout.fillWidth: true
             }
             Repeater {
                 model: app.phones.nearby
@@ -127,15 +121,12 @@ Window {
             }
             Divider {
                 visible: warning.visible
-                Layout.fillWidth: true
             }
-            RowLayout {
+            Line {
                 id: warning
                 objectName: "inputWarning"
                 visible: !app.settings.isInputAllowed
-                spacing: 3 * Theme.unit
-                Layout.fillWidth: true
-                Symbol {
+                leading: Symbol {
                     name: "exclamationmark.shield.fill"
                     color: Theme.warning
                     size: 22
@@ -143,9 +134,9 @@ Window {
                 Label {
                     text: texts.inputNotAllowed
                     color: Theme.warning
-                    Layout.fillWidth: true
+                    width: parent.width
                 }
-                SecondaryButton {
+                trailing: SecondaryButton {
                     objectName: "allow"
                     text: texts.allow
                     tint: Theme.warning
@@ -153,12 +144,10 @@ Window {
                     onClicked: app.settings.allowInput()
                 }
             }
-            Divider { Layout.fillWidth: true }
-            ColumnLayout {
-                spacing: 0
-                Layout.leftMargin: -2 * Theme.unit
-                Layout.rightMargin: -2 * Theme.unit
-                Layout.fillWidth: true
+            Divider {}
+            Column {
+                x: -2 * Theme.unit
+                width: page.width + 4 * Theme.unit
                 PanelCommand {
                     objectName: "openOrbinex"
                     symbol: "macwindow"

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Layouts
 import QtQuick.Templates as T
 
 // A line of the panel's footer, to be clicked.
@@ -14,26 +13,27 @@ T.Button {
     font.family: Theme.book
     font.pixelSize: Theme.bodySize
     focusPolicy: Qt.StrongFocus
-    Layout.fillWidth: true
+    width: parent.width
     Accessible.name: text
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Keys.onReturnPressed: clicked()
+    Keys.onEnterPressed: clicked()
 
     HoverHandler { cursorShape: Qt.PointingHandCursor }
 
-    contentItem: RowLayout {
+    contentItem: Row {
         spacing: 3 * Theme.unit
         Symbol {
+            anchors.verticalCenter: parent.verticalCenter
             name: command.symbol
             color: Theme.softInk
             size: 20
         }
         Text {
+            anchors.verticalCenter: parent.verticalCenter
             text: command.text
             textFormat: Text.PlainText
             font: command.font
             color: Theme.ink
-            Layout.fillWidth: true
         }
     }
     background: Rectangle {

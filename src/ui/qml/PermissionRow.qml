@@ -1,7 +1,6 @@
 import QtQuick
-import QtQuick.Layouts
 
-RowLayout {
+Line {
     id: row
 
     required property string symbol
@@ -12,40 +11,33 @@ RowLayout {
     required property string actionText
     signal acted()
 
-    spacing: 3 * Theme.unit
-    Layout.fillWidth: true
-    Layout.minimumHeight: 10 * Theme.unit
-
-    Symbol {
+    minimumHeight: 10 * Theme.unit
+    leading: Symbol {
         name: row.symbol
         color: Theme.accent
         size: 24
     }
-    ColumnLayout {
-        spacing: Theme.unit / 2
-        Layout.fillWidth: true
-        Label {
-            text: row.title
-            Layout.fillWidth: true
+    Label {
+        text: row.title
+        width: parent.width
+    }
+    Row {
+        spacing: 1.5 * Theme.unit
+        Symbol {
+            objectName: "satisfied"
+            anchors.verticalCenter: parent.verticalCenter
+            name: "checkmark.circle.fill"
+            color: Theme.success
+            size: 15
+            visible: row.isSatisfied
         }
-        RowLayout {
-            spacing: 1.5 * Theme.unit
-            Symbol {
-                objectName: "satisfied"
-                name: "checkmark.circle.fill"
-                color: Theme.success
-                size: 15
-                visible: row.isSatisfied
-            }
-            SoftLabel {
-                objectName: "state"
-                text: row.isSatisfied ? texts.allowed : row.missing
-                color: row.isSatisfied ? Theme.success : Theme.warning
-                Layout.fillWidth: true
-            }
+        SoftLabel {
+            objectName: "state"
+            text: row.isSatisfied ? texts.allowed : row.missing
+            color: row.isSatisfied ? Theme.success : Theme.warning
         }
     }
-    SecondaryButton {
+    trailing: SecondaryButton {
         objectName: "action"
         text: row.actionText
         compact: true

@@ -1,5 +1,4 @@
 import QtQuick
-import QtQuick.Layouts
 
 GlassCard {
     objectName: "permissions"
@@ -7,7 +6,7 @@ GlassCard {
 
     SectionLabel {
         text: texts.permissions
-        Layout.fillWidth: true
+        width: parent.width
     }
     PermissionRow {
         objectName: "inputPermission"
@@ -27,5 +26,4 @@ GlassCard {
         actionText: texts.settings
         onActed: app.connection.openBluetoothSettings()
     }
-    Item { Layout.fillHeight: true }
 }

@@ -1,7 +1,6 @@
 import QtQuick
-import QtQuick.Layouts
 
-ColumnLayout {
+Column {
     id: step
 
     required property int number
@@ -9,13 +8,10 @@ ColumnLayout {
     required property string text
 
     spacing: 2 * Theme.unit
-    Layout.fillWidth: true
-    Layout.alignment: Qt.AlignTop
-    Layout.preferredWidth: 1
 
     Rectangle {
-        implicitWidth: 8 * Theme.unit
-        implicitHeight: 8 * Theme.unit
+        width: 8 * Theme.unit
+        height: width
         radius: height / 2
         color: Theme.faded(Theme.accent, 0.1)
         border.color: Theme.faded(Theme.accent, 0.5)
@@ -29,12 +25,12 @@ ColumnLayout {
     Label {
         objectName: "stepTitle"
         text: step.title
-        Layout.fillWidth: true
-        Layout.topMargin: Theme.unit
+        topPadding: lead + Theme.unit
+        width: parent.width
     }
     SoftLabel {
         objectName: "stepText"
         text: step.text
-        Layout.fillWidth: true
+        width: parent.width
     }
 }

@@ -5,5 +5,5 @@ Label {
     color: Theme.softInk
     font.family: Theme.light
     font.pixelSize: Theme.smallSize
-    lineHeight: 1.12
+    leading: 1.28
 }

@@ -17,9 +17,16 @@ Item {
     implicitHeight: size
     Accessible.ignored: true
 
+    // Not scaled, but drawn anew at every size, which keeps its edge smooth.
     Rectangle {
         id: ring
-        anchors.fill: parent
+        objectName: "ring"
+
+        property real reach: 1
+
+        anchors.centerIn: parent
+        width: orb.size * reach
+        height: width
         radius: width / 2
         color: "transparent"
         border.color: orb.tint
@@ -30,8 +37,14 @@ Item {
             id: pulsing
             running: orb.pulse && orb.isSeen
             loops: Animation.Infinite
-            NumberAnimation { target: ring; property: "scale"; from: 1.0; to: 1.45; duration: 1800; easing.type: Easing.OutCubic }
-            NumberAnimation { target: ring; property: "opacity"; from: 0.7; to: 0; duration: 1800; easing.type: Easing.OutCubic }
+            NumberAnimation {
+                target: ring; property: "reach"
+                from: 1.0; to: 1.45; duration: 1800; easing.type: Easing.OutCubic
+            }
+            NumberAnimation {
+                target: ring; property: "opacity"
+                from: 0.7; to: 0; duration: 1800; easing.type: Easing.OutCubic
+            }
         }
     }
     Rectangle {

@@ -1,7 +1,6 @@
 import QtQuick
-import QtQuick.Layouts
 
-RowLayout {
+Line {
     id: row
 
     required property string title
@@ -9,23 +8,17 @@ RowLayout {
     required property bool value
     signal wanted(bool on)
 
-    spacing: Theme.gap
-    Layout.fillWidth: true
-
-    ColumnLayout {
-        spacing: Theme.unit
-        Layout.fillWidth: true
-        Label {
-            text: row.title
-            Layout.fillWidth: true
-        }
-        SoftLabel {
-            text: row.subtitle
-            visible: text !== ""
-            Layout.fillWidth: true
-        }
+    gap: Theme.gap
+    Label {
+        text: row.title
+        width: parent.width
     }
-    Toggle {
+    SoftLabel {
+        text: row.subtitle
+        visible: text !== ""
+        width: parent.width
+    }
+    trailing: Toggle {
         objectName: "switch"
         label: row.title
         value: row.value

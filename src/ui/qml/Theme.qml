@@ -26,6 +26,7 @@ QtObject {
 
     readonly property string book: typeface.book
     readonly property string light: typeface.light
+    // 11 points at 96 dots an inch.
     readonly property int smallSize: Math.round(15 * typeface.scale)
     readonly property int bodySize: Math.round(17 * typeface.scale)
     readonly property int headingSize: Math.round(20 * typeface.scale)

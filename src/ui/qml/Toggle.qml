@@ -18,8 +18,8 @@ T.Switch {
         wanted(checked)
         checked = Qt.binding(() => toggle.value)
     }
-    Keys.onReturnPressed: click()
-    Keys.onEnterPressed: click()
+    Keys.onReturnPressed: wanted(!value)
+    Keys.onEnterPressed: wanted(!value)
 
     HoverHandler { cursorShape: Qt.PointingHandCursor }
 

@@ -1,0 +1,116 @@
+// When the windows are loaded, shown and given back.
+
+#include <QPointer>
+
+#include <gtest/gtest.h>
+
+#include "app/app_delegate.h"
+#include "ui/faced_program.h"
+
+namespace orbinex::test {
+namespace {
+
+using namespace std::chrono_literals;
+
+TEST(Interface, loadsNothingUntilAWindowIsAskedFor) {
+    FacedProgram program;
+    auto& phone = program.addPhone("Ada");
+    program.bringTo(LinkPhase::connected, phone);
+    EXPECT_EQ(program.face.scene(), nullptr);
+    program.face.togglePanel();
+    EXPECT_TRUE(program.face.scene());
+}
+
+TEST(Interface, givesTheWindowsBackAWhileAfterTheLastWasClosed) {
+    FacedProgram program;
+    const QPointer<QQuickWindow> window = &program.window();
+    const QPointer<QQuickWindow> panel = &program.panel();
+    window->close();
+    program.advance(Interface::unusedLifetime * 2);
+    EXPECT_TRUE(program.face.scene()) << "the panel is open";
+    program.face.togglePanel();
+    program.advance(Interface::unusedLifetime - 1s);
+    EXPECT_TRUE(window);
+    program.advance(2s);
+    EXPECT_EQ(program.face.scene(), nullptr);
+    EXPECT_FALSE(window || panel);
+    Hand again(program.window());
+    EXPECT_EQ(again.text("phaseWord"), "Searching");
+}
+
+TEST(Interface, keepsTheWindowsOfWhoOpensOneAgainAtOnce) {
+    FacedProgram program;
+    const QPointer<QQuickWindow> window = &program.window();
+    window->close();
+    program.advance(Interface::unusedLifetime / 2);
+    program.face.openMainWindow();
+    program.advance(Interface::unusedLifetime * 2);
+    ASSERT_TRUE(window);
+    EXPECT_TRUE(window->isVisible());
+}
+
+TEST(Interface, leavesAnAlertForTheWindowToShow) {
+    FacedProgram program;
+    program.app.centralManager.connectTrustedDevice(program.trust("Studio"));
+    EXPECT_EQ(program.face.scene(), nullptr) << "what only tells something opens no window";
+    Hand hand(program.window());
+    EXPECT_EQ(hand.text("messageTitle"), "Studio Isn't Nearby");
+}
+
+TEST(Interface, opensTheWindowForWhatNeedsAnAnswer) {
+    FacedProgram program;
+    program.pairing.ask("Ada", std::nullopt, [](bool) {});
+    ASSERT_TRUE(program.face.hasVisibleWindows());
+    EXPECT_TRUE(program.face.scene()->isMainWindowVisible());
+}
+
+TEST(Interface, showsNoWindowAtLoginAndOneOtherwise) {
+    for (const bool isLogin : {true, false}) {
+        FacedProgram program;
+        AppDelegate delegate(program.preferences, program.relocation, [&] { program.face.openMainWindow(); });
+        delegate.willFinishLaunching();
+        delegate.didFinishLaunching(isLogin);
+        EXPECT_EQ(program.face.hasVisibleWindows(), !isLogin);
+        EXPECT_TRUE(program.face.trayIcon().isShown());
+        delegate.handleSecondLaunch();
+        EXPECT_TRUE(program.face.scene()->isMainWindowVisible());
+    }
+}
+
+TEST(Interface, doesNotReopenThePanelByTheClickThatClosedIt) {
+    FacedProgram program;
+    program.panel();
+    QWindow elsewhere;
+    elsewhere.show();
+    elsewhere.requestActivate();
+    for (int turn = 0; turn < 100 && program.face.scene()->isPanelVisible(); ++turn)
+        QCoreApplication::processEvents();
+    ASSERT_FALSE(program.face.scene()->isPanelVisible()) << "it closes when it loses the focus";
+    program.face.togglePanel();
+    EXPECT_FALSE(program.face.scene()->isPanelVisible());
+    program.advance(Interface::clickTime);
+    program.face.togglePanel();
+    EXPECT_TRUE(program.face.scene()->isPanelVisible());
+}
+
+TEST(Interface, repaintsNothingWhileNothingChanges) {
+    FacedProgram program;
+    auto& phone = program.addPhone("Ada");
+    program.bringTo(LinkPhase::connected, phone);
+    QQuickWindow& window = program.window();
+    Hand hand(window);
+    int frames = 0;
+    const auto counting = QObject::connect(&window, &QQuickWindow::afterRendering, [&] { ++frames; });
+    // Every phone is heard again and again, and the list is pruned.
+    program.advance(30s);
+    for (int turn = 0; turn < 50; ++turn) QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
+    EXPECT_EQ(frames, 0);
+    program.app.centralManager.disconnect();
+    program.advance(1s);
+    hand.settle();
+    EXPECT_GT(frames, 0) << "the counter counts";
+    QObject::disconnect(counting);
+}
+
+}  // namespace
+}  // namespace orbinex::test

@@ -1,0 +1,203 @@
+// The panel at the tray icon, as a person sees and uses it.
+
+#include <gtest/gtest.h>
+
+#include "app/system_settings_urls.h"
+#include "ui/faced_program.h"
+
+namespace orbinex::test {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// Brings the program to a phase with "Ada" as the iPhone.
+void bring(FacedProgram& program, LinkPhase phase) {
+    auto& phone = program.addPhone("Ada");
+    if (phase == LinkPhase::bluetoothUnavailable) {
+        program.radio.setState(BluetoothState::poweredOff);
+        program.advance(1s);
+    } else if (phase != LinkPhase::searching) {
+        program.bringTo(phase, phone);
+    }
+}
+
+TEST(Panel, showsEveryPhase) {
+    const struct {
+        LinkPhase phase;
+        const char* word;
+        const char* status;
+        const char* action;
+        const char* symbol;
+        const char* colour;
+        bool isPulsing;
+    } rows[] = {
+        {LinkPhase::bluetoothUnavailable, "Bluetooth Unavailable", "Bluetooth unavailable", "",
+         "exclamationmark.triangle.fill", "#ff5c6c", false},
+        {LinkPhase::searching, "Searching", "No iPhone connected", "Search Again",
+         "dot.radiowaves.left.and.right", "#00dcfe", true},
+        {LinkPhase::connecting, "Connecting", "Connecting to Ada…", "Cancel", "arrow.triangle.2.circlepath",
+         "#00dcfe", true},
+        {LinkPhase::securing, "Securing", "Securing connection…", "Cancel", "lock.shield", "#00dcfe", true},
+        {LinkPhase::connected, "Connected", "Connected to Ada", "Disconnect", "checkmark.circle.fill",
+         "#3ddc97", false},
+    };
+    for (const auto& row : rows) {
+        FacedProgram program;
+        bring(program, row.phase);
+        Hand hand(program.panel());
+        EXPECT_EQ(hand.text("phaseWord"), row.word);
+        EXPECT_EQ(hand.text("statusLine"), row.status);
+        EXPECT_EQ(hand.text("panelAction"), row.action);
+        EXPECT_EQ(hand.property("orb", "symbol"), row.symbol);
+        EXPECT_EQ(hand.property("orb", "tint").value<QColor>().name(), row.colour);
+        EXPECT_EQ(hand.sees("orb/ring"), row.isPulsing) << row.word;
+    }
+}
+
+TEST(Panel, followsThePhaseWhileItIsOpen) {
+    FacedProgram program;
+    Hand hand(program.panel());
+    auto& phone = program.addPhone("Ada");
+    program.bringTo(LinkPhase::connected, phone);
+    hand.settle();
+    EXPECT_EQ(hand.text("statusLine"), "Connected to Ada");
+    EXPECT_EQ(hand.text("trusted0/status"), "Connected");
+    program.radio.setState(BluetoothState::poweredOff);
+    program.advance(1s);
+    hand.settle();
+    EXPECT_EQ(hand.text("statusLine"), "Bluetooth unavailable");
+    EXPECT_FALSE(hand.sees("panelAction"));
+}
+
+TEST(Panel, showsOnlyWhatThereIs) {
+    FacedProgram program;
+    Hand hand(program.panel());
+    for (const char* absent : {"trusted0", "nearby0", "trustedDivider", "nearbyDivider", "inputWarning"})
+        EXPECT_FALSE(hand.sees(absent)) << absent;
+    EXPECT_TRUE(hand.sees("openOrbinex"));
+    program.trust("Studio");
+    hand.settle();
+    EXPECT_EQ(hand.text("statusLine"), "Waiting for your iPhone");
+    EXPECT_EQ(hand.text("trusted0/status"), "Not nearby");
+    EXPECT_TRUE(hand.sees("trusted0/connect"));
+}
+
+TEST(Panel, listsStrangersByStrengthAndConnectsTheOneThatIsClicked) {
+    FacedProgram program;
+    program.addPhone("Far", -80);
+    program.addPhone("Near", -40);
+    program.advance(2s);
+    Hand hand(program.panel());
+    EXPECT_EQ(hand.text("nearby0/name"), "Near");
+    EXPECT_EQ(hand.text("nearby1/name"), "Far");
+    EXPECT_EQ(hand.text("nearby1/status"), "New iPhone");
+    ASSERT_TRUE(hand.click("nearby1/connect"));
+    EXPECT_EQ(program.phase(), LinkPhase::connecting);
+    EXPECT_EQ(hand.text("statusLine"), "Connecting to Far…");
+    program.advance(3s);
+    hand.settle();
+    EXPECT_EQ(hand.text("trusted0/name"), "Far");
+    EXPECT_EQ(hand.text("trusted0/status"), "Connected");
+    EXPECT_FALSE(hand.sees("trusted0/connect")) << "it is the active one";
+}
+
+TEST(Panel, connectsATrustedIPhoneThatIsNearby) {
+    FacedProgram program;
+    auto& phone = program.addPhone("Ada");
+    program.bringTo(LinkPhase::connected, phone);
+    program.app.centralManager.disconnect();
+    program.advance(2s);
+    Hand hand(program.panel());
+    EXPECT_EQ(hand.text("trusted0/status"), "Nearby");
+    ASSERT_TRUE(hand.click("trusted0/connect"));
+    program.advance(2s);
+    EXPECT_EQ(program.phase(), LinkPhase::connected);
+}
+
+TEST(Panel, actsAsItsButtonSays) {
+    FacedProgram program;
+    auto& phone = program.addPhone("Ada");
+    Hand hand(program.panel());
+    program.advance(2s);
+    program.advance(12s);
+    ASSERT_TRUE(hand.click("panelAction"));
+    EXPECT_TRUE(*program.app.centralManager.isScanning) << "Search Again";
+    program.bringTo(LinkPhase::connecting, phone);
+    ASSERT_TRUE(hand.click("panelAction"));
+    EXPECT_EQ(program.phase(), LinkPhase::searching) << "Cancel";
+    program.bringTo(LinkPhase::connected, phone);
+    ASSERT_TRUE(hand.click("panelAction"));
+    program.advance(1s);
+    EXPECT_EQ(program.phase(), LinkPhase::searching) << "Disconnect";
+}
+
+TEST(Panel, doesWhatTheButtonSaidWhenItWasPressed) {
+    FacedProgram program;
+    auto& phone = program.addPhone("Ada");
+    program.bringTo(LinkPhase::securing, phone);
+    Hand hand(program.panel());
+    ASSERT_EQ(hand.text("panelAction"), "Cancel");
+    const QPoint where = hand.place("panelAction");
+    hand.press("panelAction");
+    // The handshake completes before the button is let go.
+    program.advance(1s);
+    phone.infoStep.isAnswered = true;
+    phone.dropLink();
+    program.advance(5s);
+    program.app.centralManager.connectNearbyDevice(phone.identifier());
+    program.advance(3s);
+    hand.settle();
+    ASSERT_EQ(program.phase(), LinkPhase::connected);
+    hand.letGo(where);
+    EXPECT_EQ(program.phase(), LinkPhase::connected) << "Cancel is not Disconnect";
+}
+
+TEST(Panel, ignoresAClickOnARowThatIsGone) {
+    FacedProgram program;
+    auto& phone = program.addPhone("Ada");
+    program.advance(2s);
+    Hand hand(program.panel());
+    const QPoint where = hand.place("nearby0/connect");
+    hand.press("nearby0/connect");
+    phone.setInRange(false);
+    program.advance(20s);
+    hand.settle();
+    EXPECT_FALSE(hand.sees("nearby0"));
+    hand.letGo(where);
+    EXPECT_EQ(program.phase(), LinkPhase::searching);
+}
+
+TEST(Panel, asksForInputControlAndStopsAskingOnceItIsGranted) {
+    FacedProgram program({}, false);
+    Hand hand(program.panel());
+    ASSERT_TRUE(hand.sees("inputWarning"));
+    ASSERT_TRUE(hand.click("inputWarning/allow"));
+    EXPECT_EQ(program.shell.permission.requests, 1);
+    EXPECT_TRUE(program.app.accessibilityManager.isPolling());
+    program.advance(4s);
+    hand.settle();
+    EXPECT_TRUE(hand.sees("inputWarning"));
+    program.shell.permission.setGranted(true);
+    program.advance(2s);
+    hand.settle();
+    EXPECT_FALSE(hand.sees("inputWarning"));
+    EXPECT_FALSE(program.app.accessibilityManager.isPolling());
+}
+
+TEST(Panel, opensTheMainWindowQuitsAndCloses) {
+    FacedProgram program;
+    Hand hand(program.panel());
+    ASSERT_TRUE(hand.click("openOrbinex"));
+    EXPECT_TRUE(program.face.scene()->isMainWindowVisible());
+    EXPECT_FALSE(program.face.scene()->isPanelVisible());
+    Hand again(program.panel());
+    again.key(Qt::Key_Escape);
+    EXPECT_FALSE(program.face.scene()->isPanelVisible());
+    program.advance(1s);
+    Hand third(program.panel());
+    ASSERT_TRUE(third.click("quitOrbinex"));
+    EXPECT_EQ(program.quits, 1);
+}
+
+}  // namespace
+}  // namespace orbinex::test
