@@ -149,7 +149,7 @@ void FairlightAudioMeterEngine::measureMaster(const Tick& tick) {
     const bool isSilent = !tick.sum.isAnyActive || session.masterMuted || !isAudible(peak);
     const auto& meter = updateBallistics(0, isSilent, peak, rms, tick.now);
     if (session.selectedTrackIndex != 0) return;
-    std::ranges::rotate(rollingHistory_, rollingHistory_.begin() + 1);
+    std::rotate(rollingHistory_.begin(), rollingHistory_.begin() + 1, rollingHistory_.end());
     rollingHistory_.back() = meterByte(meter.peakDBFS);
     packet_.amplitudeHistory.assign(rollingHistory_.begin(), rollingHistory_.end());
     packet_.selectedTrackStatus = meter.status;

@@ -27,9 +27,9 @@ std::optional<std::uint64_t> R3DIndex::offset(ByteView tail, std::uint64_t fileS
     if (tail.size() < smallestTail) return std::nullopt;
     // The number after the mark lies before the tail's last byte.
     const auto searched = tail.first(tail.size() - 9 + tailMark.size());
-    const auto mark = std::ranges::search(searched, tailMark);
-    if (mark.empty()) return std::nullopt;
-    const auto place = static_cast<std::size_t>(mark.begin() - searched.begin());
+    const auto mark = std::search(searched.begin(), searched.end(), tailMark.begin(), tailMark.end());
+    if (mark == searched.end()) return std::nullopt;
+    const auto place = static_cast<std::size_t>(mark - searched.begin());
     const std::uint64_t page = bigEndian(tail, place + tailMark.size());
     if (page == 0 || fileSize < page * pageSize + smallestIndex) return std::nullopt;
     return page * pageSize;
