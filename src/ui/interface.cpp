@@ -8,9 +8,8 @@
 #include <QScreen>
 #include <utility>
 
-#include <malloc.h>
-
 #include "app/terminal_text.h"
+#include "ui/memory_trim.h"
 #include "ui/panel_placement.h"
 
 namespace orbinex {
@@ -21,6 +20,7 @@ Interface::Interface(Ports ports) : ports_(std::move(ports)) {
         ports_.app.preferences, ports_.app.centralManager,
         TrayIcon::Actions{[this] { togglePanel(); }, [this] { openMainWindow(); }});
     ports_.app.preferences.attach(ports_.presence, ports_.queue);
+    releaseTimer_ = ports_.queue.after(launchTime, [this] { release(); });
     // What needs an answer comes to the person; what only tells something waits for the window.
     const auto open = [this](const auto& question) {
         if (question) openMainWindow();
@@ -80,8 +80,7 @@ void Interface::visibilityChanged() {
 void Interface::release() {
     scene_.reset();
     QPixmapCache::clear();
-    // What was freed is in many places of the heap; this gives it back to the system.
-    ::malloc_trim(0);
+    trimMemory();
 }
 
 void Interface::tell(const std::optional<BLEAlert>& alert) {

@@ -22,6 +22,8 @@ class Interface final {
   public:
     /// How long windows that are not seen stay in memory, for who opens them again at once.
     static constexpr std::chrono::seconds unusedLifetime{20};
+    /// By then the launch is over, and what only it needed can go from memory.
+    static constexpr std::chrono::seconds launchTime{2};
     /// A click that takes the focus from the panel, and so closes it, is not to open it again.
     static constexpr std::chrono::milliseconds clickTime{300};
 
