@@ -145,7 +145,7 @@ bool AudioStreamDecoder::openDecoder() {
 std::optional<std::int64_t> AudioStreamDecoder::duration() const {
     if (stream_->duration != AV_NOPTS_VALUE && stream_->duration > 0) return stream_->duration;
     if (format_->duration != AV_NOPTS_VALUE && format_->duration > 0)
-        return av_rescale_q(format_->duration, AV_TIME_BASE_Q, stream_->time_base);
+        return av_rescale_q(format_->duration, AVRational{1, AV_TIME_BASE}, stream_->time_base);
     return std::nullopt;
 }
 
