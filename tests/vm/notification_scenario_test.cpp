@@ -1,4 +1,4 @@
-// A minute of the pace at which a finger moves a pointer, over the air: nothing is lost, and nothing swapped.
+// A time of the pace at which a finger moves a pointer, over the air: nothing is lost, and nothing swapped.
 
 #include <QCoreApplication>
 #include <QDBusArgument>
@@ -35,7 +35,6 @@ using test_phone::Offset;
 using test_phone::offsetAfter;
 
 constexpr std::uint32_t perSecond = 125;
-constexpr std::uint32_t total = 60 * perSecond;
 /// The machine is slow; what is late is sent as soon as possible.
 constexpr Milliseconds rateLimit = 8min;
 
@@ -54,6 +53,9 @@ class NotificationScenario : public LinkScenario {
         }
     }
 
+    /// The phone sends numbered moves; a client sees the pointer in each one's place, one after the other.
+    void followMoves(std::uint32_t seconds);
+
     /// The phone's own words of what it has sent.
     [[nodiscard]] std::string sent() const {
         const auto& line = phone().found();
@@ -64,13 +66,14 @@ class NotificationScenario : public LinkScenario {
     std::vector<Offset> places_;
 };
 
-TEST_F(NotificationScenario, aMinuteOfMovesIsSeenByAClientWithoutALoss) {
+void NotificationScenario::followMoves(std::uint32_t seconds) {
+    const std::uint32_t total = seconds * perSecond;
     ASSERT_NO_FATAL_FAILURE(meet());
     watchPointer();
     const auto programBefore = program().processorTime();
     const auto daemonBefore = daemon().processorTime();
 
-    phone().send("rate " + std::to_string(perSecond) + " 60");
+    phone().send("rate " + std::to_string(perSecond) + " " + std::to_string(seconds));
     const auto hasAll = [&] {
         notePointer();
         return places_.size() >= total;
@@ -82,13 +85,20 @@ TEST_F(NotificationScenario, aMinuteOfMovesIsSeenByAClientWithoutALoss) {
     EXPECT_EQ(places_.back(), offsetAfter(total)) << places_.back().x << " " << places_.back().y;
     int astray = 0;
     for (std::uint32_t i = 0; i < total; ++i) astray += places_[i] == offsetAfter(i + 1) ? 0 : 1;
-    const auto used = [](Milliseconds now, Milliseconds before) {
+    const auto used = [total](Milliseconds now, Milliseconds before) {
         return static_cast<double>((now - before).count()) / total;
     };
     EXPECT_EQ(astray, 0) << "places off the path";
     std::printf("figures: %s; processor time a move: orbinex %.2f ms, bluetoothd (for both ends) %.2f ms\n",
                 sent().c_str(), used(program().processorTime(), programBefore),
                 used(daemon().processorTime(), daemonBefore));
+}
+
+TEST_F(NotificationScenario, twentySecondsOfMovesAreSeenByAClientWithoutALoss) {
+    followMoves(20);
+}
+TEST_F(NotificationScenario, aMinuteOfMovesIsSeenByAClientWithoutALoss) {
+    followMoves(60);
 }
 
 /// A program that does nothing but listen, built of the same parts.
