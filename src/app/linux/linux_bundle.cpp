@@ -63,6 +63,7 @@ QDBusMessage showInFileManager(const std::string& path) {
 
 LinuxBundle::LinuxBundle(ProgramPlace place, UserFolders folders, Ports ports)
     : place_(std::move(place)), folders_(std::move(folders)), ports_(std::move(ports)) {}
+LinuxBundle::~LinuxBundle() = default;
 
 bool LinuxBundle::hasEnvironmentVariable(const char* name) const {
     return std::getenv(name) != nullptr;
@@ -131,14 +132,10 @@ void LinuxBundle::finishLaunch(bool isRunning) {
 void LinuxBundle::reveal(const std::string& path) {
     constexpr int longest = 3000;  // milliseconds
     const auto answer = QDBusConnection::sessionBus().asyncCall(showInFileManager(path), longest);
-    auto* const watcher = new QDBusPendingCallWatcher(answer);
-    auto finish = lifetime_.guard([this, path, watcher] {
+    fileManager_ = std::make_unique<QDBusPendingCallWatcher>(answer);
+    QObject::connect(fileManager_.get(), &QDBusPendingCallWatcher::finished, [this, path] {
         // Without a bus or a file manager on it, any program that shows folders will do.
-        if (watcher->isError()) ports_.opener.openFolder(fs::path(path).parent_path());
-    });
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [finish, watcher]() mutable {
-        finish();
-        watcher->deleteLater();
+        if (fileManager_->isError()) ports_.opener.openFolder(fs::path(path).parent_path());
     });
 }
 

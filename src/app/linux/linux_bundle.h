@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "app/application_bundle.h"
@@ -9,6 +10,8 @@
 #include "app/linux/user_folders.h"
 #include "base/lifetime.h"
 #include "base/main_queue.h"
+
+class QDBusPendingCallWatcher;
 
 namespace orbinex {
 
@@ -38,6 +41,7 @@ class LinuxBundle final : public ApplicationBundle {
     };
 
     LinuxBundle(ProgramPlace place, UserFolders folders, Ports ports);
+    ~LinuxBundle() override;
 
     [[nodiscard]] std::optional<std::string> path() const override { return place_.bundle; }
     [[nodiscard]] bool hasEnvironmentVariable(const char* name) const override;
@@ -65,6 +69,7 @@ class LinuxBundle final : public ApplicationBundle {
     Ports ports_;
     std::function<void(bool)> answer_;
     Timer launchCheck_;
+    std::unique_ptr<QDBusPendingCallWatcher> fileManager_;
     Lifetime lifetime_;
 };
 

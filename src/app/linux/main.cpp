@@ -81,10 +81,8 @@ std::string variable(const char* name) {
 }
 
 /// Nothing when this process is to go on: it is the one that runs now, or nobody can tell.
-std::optional<int> endOfLaterStart(SingleInstance& instance) {
-    auto token = variable("XDG_ACTIVATION_TOKEN");
-    if (token.empty()) token = variable("DESKTOP_STARTUP_ID");
-    switch (instance.claim(token)) {
+std::optional<int> endOfLaterStart(SingleInstance& instance, const std::string& startupToken) {
+    switch (instance.claim(startupToken)) {
         case SingleInstance::Claim::first: return std::nullopt;
         case SingleInstance::Claim::told: return 0;
         case SingleInstance::Claim::unanswered:
@@ -111,12 +109,15 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv, bool h
 
 int main(int argc, char** argv) {
     prepareStandardStreams();
+    // The application takes it out of the environment.
+    auto startupToken = variable("XDG_ACTIVATION_TOKEN");
+    if (startupToken.empty()) startupToken = variable("DESKTOP_STARTUP_ID");
     const auto display = X11Connection::open();
     const auto application = makeApplication(argc, argv, display != nullptr);
     QCoreApplication::setApplicationVersion(QString::fromUtf8(shortVersion.data(), shortVersion.size()));
     const Options options = parse(*application);
     SingleInstance instance(privateRuntimeFolder(variable("XDG_RUNTIME_DIR")));
-    if (const auto end = endOfLaterStart(instance)) return *end;
+    if (const auto end = endOfLaterStart(instance, startupToken)) return *end;
     QtMainQueue queue;
     int status = 0;
     const UnixSignals signals([&](int) { QCoreApplication::exit(status); });
