@@ -20,6 +20,7 @@ int dropPages(dl_phdr_info* object, std::size_t, void*) {
         if (segment.p_type != PT_LOAD || (segment.p_flags & PF_W) != 0) continue;
         const auto begin = static_cast<std::uintptr_t>(object->dlpi_addr + segment.p_vaddr);
         const auto first = begin / pageSize * pageSize;
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): the loader tells addresses as numbers
         ::madvise(reinterpret_cast<void*>(first), begin + segment.p_memsz - first, MADV_DONTNEED);
     }
     return 0;

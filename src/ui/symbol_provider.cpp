@@ -7,8 +7,8 @@ namespace orbinex {
 QImage SymbolProvider::requestImage(const QString& id, QSize* size, const QSize& requestedSize) {
     constexpr int usualSize = 24;
     const QColor colour("#" + id.section('/', 1, 1));
-    const QImage image = symbolImage(id.section('/', 0, 0), colour.isValid() ? colour : QColor(Qt::white),
-                                     requestedSize.width() > 0 ? requestedSize.width() : usualSize);
+    QImage image = symbolImage(id.section('/', 0, 0), colour.isValid() ? colour : QColor(Qt::white),
+                               requestedSize.width() > 0 ? requestedSize.width() : usualSize);
     if (size) *size = image.size();
     return image;
 }
