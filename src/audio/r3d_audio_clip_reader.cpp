@@ -25,20 +25,48 @@ struct Reading {
     float sumSquares = 0;
 
     [[nodiscard]] std::size_t left() const { return mono.size() - produced; }
+    /// `frames` are whole ones, for which there is room.
     void add(ByteView frames) {
-        for (; frames.size() >= AudioBlock::frameSize; frames = frames.subspan(AudioBlock::frameSize)) {
-            const float a = sampleAt(frames.data());
-            const float b = sampleAt(frames.data() + AudioBlock::frameSize / 2);
-            mono[produced++] = (a + b) * 0.5F;
-            sumSquares += (a * a + b * b) * 0.5F;
-            peak = std::max({peak, std::fabs(a), std::fabs(b)});
+        const auto out = mono.subspan(produced, frames.size() / AudioBlock::frameSize);
+        // Apart from the members, which the floats that are written might otherwise be for all the compiler
+        // knows.
+        float largest = peak;
+        float squares = sumSquares;
+        const std::uint8_t* frame = frames.data();
+        for (float& mean : out) {
+            const float a = sampleAt(frame);
+            const float b = sampleAt(frame + AudioBlock::frameSize / 2);
+            mean = (a + b) * 0.5F;
+            squares += (a * a + b * b) * 0.5F;
+            largest = std::max(largest, std::max(std::fabs(a), std::fabs(b)));
+            frame += AudioBlock::frameSize;
         }
+        produced += out.size();
+        peak = largest;
+        sumSquares = squares;
     }
     [[nodiscard]] MonoRead result() const {
         if (produced == 0) return {};
         return {produced, peak, std::sqrt(sumSquares / static_cast<float>(produced))};
     }
 };
+
+/// Reads up to `count` frames that lie one after the other from `place` on, as many at a time as the scratch
+/// holds, until the file has no more. False when it had none.
+bool readRun(MediaFile& file, std::uint64_t place, std::size_t count, std::span<std::uint8_t> scratch,
+             Reading& reading) {
+    std::size_t done = 0;
+    while (done < count) {
+        const std::size_t wanted = std::min(count - done, scratch.size() / AudioBlock::frameSize);
+        const auto bytes = scratch.first(wanted * AudioBlock::frameSize);
+        const std::size_t got = file.read(place + done * AudioBlock::frameSize, bytes);
+        const std::size_t frames = std::min(got, bytes.size()) / AudioBlock::frameSize;
+        reading.add(bytes.first(frames * AudioBlock::frameSize));
+        done += frames;
+        if (frames < wanted) break;
+    }
+    return done > 0;
+}
 
 }  // namespace
 
@@ -79,24 +107,16 @@ MonoRead R3DAudioClipReader::readMono(std::int64_t startSample, std::size_t maxF
     const auto inClip = static_cast<std::uint64_t>(totalSampleFrames_ - startSample);
     Reading reading{
         buffer.first(static_cast<std::size_t>(std::min<std::uint64_t>({inClip, buffer.size(), maxFrames})))};
-    std::size_t block = blockAt(startSample);
-    std::int64_t position = startSample;
-    while (reading.left() > 0 && block < blocks_.size()) {
-        const auto& [segment, fileOffset, length, frameCount, start] = blocks_[block];
-        const std::int64_t offset = std::max<std::int64_t>(position - start, 0);
-        const auto wanted = static_cast<std::size_t>(
-            std::min<std::uint64_t>({static_cast<std::uint64_t>(frameCount - offset), reading.left(),
-                                     rawScratch_.size() / AudioBlock::frameSize}));
-        const auto bytes = std::span(rawScratch_).first(wanted * AudioBlock::frameSize);
-        const std::uint64_t place =
-            fileOffset + AudioBlock::headerSize + static_cast<std::uint64_t>(offset) * AudioBlock::frameSize;
-        const std::size_t got = std::min(segmentHandles_[segment]->read(place, bytes), bytes.size());
-        const std::size_t frames = got / AudioBlock::frameSize;
-        if (frames == 0) break;
-        reading.add(ByteView(bytes.first(frames * AudioBlock::frameSize)));
-        position += static_cast<std::int64_t>(frames);
-        // A block larger than the scratch is read on; one that broke off is not.
-        if (frames < wanted || offset + static_cast<std::int64_t>(frames) >= frameCount) ++block;
+    for (std::size_t i = blockAt(startSample); i < blocks_.size() && reading.left() > 0; ++i) {
+        const AudioBlock& block = blocks_[i];
+        // Behind a block that broke off, the next is read from its beginning.
+        const std::int64_t position = startSample + static_cast<std::int64_t>(reading.produced);
+        const auto offset =
+            static_cast<std::uint64_t>(std::max<std::int64_t>(position - block.cumulativeStartSample, 0));
+        const auto available = static_cast<std::uint64_t>(block.sampleFrameCount) - offset;
+        const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(available, reading.left()));
+        const auto place = block.fileOffset + AudioBlock::headerSize + offset * AudioBlock::frameSize;
+        if (!readRun(*segmentHandles_[block.segmentIndex], place, wanted, rawScratch_, reading)) break;
     }
     return reading.result();
 }

@@ -1,5 +1,6 @@
 #include "audio/r3d_segments.h"
 
+#include <algorithm>
 #include <string_view>
 
 #include "base/text.h"

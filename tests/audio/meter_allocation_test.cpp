@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "audio/meter_world.h"
+#include "sim/r3d_clip_writer.h"
 #include "support/allocation_counter.h"
 
 namespace orbinex {
@@ -25,6 +26,21 @@ TEST(MeterEngine, allocatesNothingInASteadyTick) {
                   0U)
             << selected;
     }
+}
+
+TEST(R3DClip, isReadWithoutAllocating) {
+    SimulatedClipMedia media;
+    const std::vector<R3DFrame> frames(20'000, {1 << 20, -(1 << 20)});
+    const auto segments = R3DClipWriter::clip(frames, 6000, 12'000);
+    for (std::size_t i = 0; i < segments.size(); ++i)
+        media.files["/A_00" + std::to_string(i + 1) + ".R3D"] = std::make_shared<Bytes>(segments[i]);
+    const auto reader = R3DAudioClipReader::create("/A_001.R3D", media);
+    std::vector<float> buffer(20'000);
+    EXPECT_EQ(test::allocationsDuring([&] {
+                  EXPECT_EQ(reader->readMono(0, buffer.size(), buffer).framesRead, 20'000U);
+                  EXPECT_EQ(reader->readMono(11'990, 100, buffer).framesRead, 100U);
+              }),
+              0U);
 }
 
 }  // namespace

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 #include <random>
 
@@ -109,12 +110,19 @@ TEST(R3DClip, isNoClipOnlyWhereNoFileIs) {
 }
 
 TEST(R3DClip, needsMoreThan8192BytesOfASegment) {
-    // Two pages and a byte: the mark lies in the third page... which must then hold at least 32 bytes.
-    auto bytes = R3DClipWriter::segment(Bytes(), {{1, 136}});
-    ASSERT_GT(bytes.size(), 8192U);
-    EXPECT_EQ(Clip({bytes}).reader->totalSampleFrames(), 1);
-    bytes.resize(8192);
-    EXPECT_EQ(Clip({bytes}).reader->totalSampleFrames(), 0);
+    // The second page is index and last page at once: all that a reader asks for is there but the size.
+    auto small = R3DClipWriter::segment(Bytes(), {{1, 136}});
+    const Bytes mark{'r', 'd', 'a', 1, 0, 0, 0, 1};
+    std::ranges::copy(mark, small.begin() + 4096 + 20);
+    small.resize(8192);
+    EXPECT_EQ(Clip({small}).reader->totalSampleFrames(), 0);
+
+    // A last page of 32 bytes is the shortest that is looked at.
+    auto larger = R3DClipWriter::segment(Bytes(), {{1, 136}});
+    larger.resize(8192 + 32);
+    EXPECT_EQ(Clip({larger}).reader->totalSampleFrames(), 1);
+    larger.resize(8192 + 31);
+    EXPECT_EQ(Clip({larger}).reader->totalSampleFrames(), 0);
 }
 
 TEST(R3DClip, leavesOutSegmentsWithoutAnIndexAndThoseThatCannotBeOpened) {
@@ -147,7 +155,7 @@ TEST(R3DClip, endsAReadWhereNothingComesAndGoesOnAfterABlockThatBreaksOff) {
         R3DClipWriter::segment(blocks, {{1, 128 + 800}, {2, 128 + 80'000'000}, {1, 128 + 800}});
     Clip clip({segment});
     EXPECT_EQ(clip.reader->totalSampleFrames(), 100 + 10'000'000 + 100);
-    const std::size_t behindSecond = (segment.size() - 2 * 4096 - 128) / 8;
+    const std::size_t behindSecond = (segment.size() - 8192 - 128) / 8;
     // From the second block all that the file has, then the third block.
     const auto result = clip.read(100, 100'000);
     EXPECT_EQ(result.framesRead, behindSecond + 100);
@@ -161,6 +169,27 @@ TEST(R3DClip, endsAReadWhereNothingComesAndGoesOnAfterABlockThatBreaksOff) {
     EXPECT_EQ(clip.read(0, 1000).framesRead, 50U);
     clip.files[0]->clear();
     EXPECT_EQ(clip.read(0, 1000), MonoRead{});
+}
+
+TEST(R3DClip, goesOnWithTheNextBlockWhereverABlockBreaksOff) {
+    const auto frames = noise(10'000);
+    auto blocks = R3DClipWriter::block(std::span(frames).first(100));
+    const auto large = R3DClipWriter::block(frames);
+    blocks.insert(blocks.end(), large.begin(), large.end());
+    const auto segment = R3DClipWriter::segment(blocks, {{2, 128 + 80'000}, {1, 128 + 800}});
+    // Around 4096 and 8192 frames, too, which is what one and two scratches hold.
+    for (const std::size_t whole : {1U, 4095U, 4096U, 4097U, 8191U, 8192U, 8193U, 9999U})
+        for (const std::size_t more : {0U, 7U}) {
+            Clip clip({segment});
+            clip.files[0]->resize(8192 + 128 + 8 * whole + more);
+            Frames rest(frames.begin(), frames.begin() + static_cast<std::ptrdiff_t>(whole));
+            rest.insert(rest.end(), frames.begin(), frames.begin() + 100);
+            EXPECT_EQ(clip.read(0, 10'000).framesRead, std::min<std::size_t>(whole + 100, 10'000)) << whole;
+            expectFrames(clip, rest, 0, std::min<std::size_t>(whole + 100, 10'000));
+        }
+    Clip clip({segment});
+    clip.files[0]->resize(8192 + 128 + 7);
+    EXPECT_EQ(clip.read(0, 10'000), MonoRead{}) << "no frame at all ends the read";
 }
 
 TEST(R3DClip, takesBlocksThatOverlapAndPagesPastTheEnd) {
