@@ -26,6 +26,8 @@ class MessageModel final : public QObject {
     Q_PROPERTY(QStringList buttons READ buttons NOTIFY changed)
     /// The first button takes something away.
     Q_PROPERTY(bool isDestructive READ isDestructive NOTIFY changed)
+    /// A stray Return is not to answer it.
+    Q_PROPERTY(bool needsCare READ needsCare NOTIFY changed)
     /// The title of a check box; empty for none.
     Q_PROPERTY(QString suppression READ suppression NOTIFY changed)
 
@@ -45,6 +47,7 @@ class MessageModel final : public QObject {
     [[nodiscard]] QString text() const { return message_.text; }
     [[nodiscard]] QStringList buttons() const { return message_.buttons; }
     [[nodiscard]] bool isDestructive() const { return message_.kind == Kind::forget; }
+    [[nodiscard]] bool needsCare() const { return isDestructive() || message_.kind == Kind::pairing; }
     [[nodiscard]] QString suppression() const { return message_.suppression; }
 
     /// Asks whether the trusted iPhone with this id is to be forgotten; ignored when there is none.

@@ -56,7 +56,7 @@ const std::map<std::string, Names> adapters{
 };
 
 /// The one file that puts everything together.
-const std::string compositionRoot = "app/linux/main.cpp";
+const std::string compositionRoot = "program/main.cpp";
 
 std::string folderOf(const std::string& path) {
     return fs::path(path).parent_path().generic_string();
@@ -140,7 +140,7 @@ TEST(IncludeRules, areBrokenByWhatTheyForbid) {
         {"input/uinput/x.h", "#include \"input/x11/x11_connection.h\"", false},
         {"app/x.cpp", "#include \"app/linux/fd_watch.h\"", false},
         {"app/linux/x.cpp", "#include \"input/x11/x11_connection.h\"", false},
-        {"app/linux/main.cpp", "#include \"input/x11/x11_connection.h\"", true},
+        {"program/main.cpp", "#include \"input/x11/x11_connection.h\"", true},
         {"ui/x.cpp", "#include <QQuickWindow>", true},
         {"ui/x.cpp", "#include \"app/linux/fd_watch.h\"", false},
         {"app/x.cpp", "#include \"ui/interface.h\"", false},

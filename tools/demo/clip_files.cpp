@@ -50,7 +50,7 @@ Sound dice(const DemoClip& clip) {
     };
 }
 
-std::vector<float> stereo(Sound sound) {
+std::vector<float> stereo(const Sound& sound) {
     std::vector<float> samples;
     for (int frame = 0; frame < seconds * sampleRate; ++frame)
         samples.insert(samples.end(), 2, static_cast<float>(sound(frame)));
@@ -58,7 +58,7 @@ std::vector<float> stereo(Sound sound) {
 }
 
 /// A series of two files.
-void writeCamera(const std::string& path, Sound sound) {
+void writeCamera(const std::string& path, const Sound& sound) {
     std::vector<R3DFrame> frames;
     for (int frame = 0; frame < seconds * sampleRate; ++frame) {
         const auto sample = static_cast<std::int32_t>(std::lround(sound(frame) * 0x7F'FFFF));

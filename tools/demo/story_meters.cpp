@@ -29,8 +29,8 @@ constexpr std::array bandBounds{1, 2, 3, 4, 6, 8, 11, 15, 21, 30, 43, 62, 89, 12
 
 const DAWMeterPacket* meters(const Stage& stage) {
     const auto& received = stage.program.phone().received;
-    for (auto message = received.rbegin(); message != received.rend(); ++message)
-        if (const auto* packet = std::get_if<DAWMeterPacket>(&message->value)) return packet;
+    for (std::size_t i = received.size(); i-- > 0;)
+        if (const auto* packet = std::get_if<DAWMeterPacket>(&received[i].value)) return packet;
     return nullptr;
 }
 

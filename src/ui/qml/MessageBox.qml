@@ -30,8 +30,7 @@ T.Popup {
         ticked.checked = false
     }
     function defaultButton() {
-        // What takes something away is not to happen by a stray Return.
-        const chosen = buttons.itemAt(app.message.isDestructive ? buttons.count - 1 : 0)
+        const chosen = buttons.itemAt(app.message.needsCare ? buttons.count - 1 : 0)
         if (chosen) chosen.forceActiveFocus(Qt.OtherFocusReason)
     }
     Connections {
