@@ -124,7 +124,7 @@ int run(const std::filesystem::path& programs) {
     const std::string host = programs / "fuscript";
     bool isRunning = false;
     {
-        const Process orbinex(programs / "orbinex", {"--script-host", host.c_str()});
+        const Process orbinex(programs / "orbinex", {"--at-login", "--script-host", host.c_str()});
         ::sleep(2);
         const auto idle = measure(orbinex.pid());
         editor.open(session());

@@ -67,7 +67,8 @@ void Scenario::TearDown() {
 Process& Scenario::startProgram() {
     const Process::Environment environment{{"DISPLAY", desktop().display()}, {"XDG_CONFIG_HOME", home_}};
     program_ = std::make_unique<Process>(
-        "orbinex", std::vector<std::string>{machine->program("orbinex"), "--adapter", hostAdapter},
+        "orbinex",
+        std::vector<std::string>{machine->program("orbinex"), "--at-login", "--adapter", hostAdapter},
         environment);
     return *program_;
 }
