@@ -1,5 +1,6 @@
 #include "app/linux/linux_bundle.h"
 
+#include <cstdlib>
 #include <filesystem>
 #include <optional>
 #include <set>
@@ -181,12 +182,17 @@ TEST(LinuxBundle, movesToTheUsersApplicationsAndEndsOnceTheCopyHasTakenOver) {
 
 TEST(LinuxBundle, putsAnOldCopyIntoTheTrash) {
     Home home;
+    const char* const usualHome = std::getenv("HOME");
+    const std::string homeBefore = usualHome ? usualHome : "";
+    // The home's trash takes what lies on the home's file system.
+    ASSERT_EQ(::setenv("HOME", (home.folder / "").c_str(), 1), 0);
     ASSERT_EQ(::setenv("XDG_DATA_HOME", (home.folder / "data").c_str(), 1), 0);
     home.folder.write("Applications/orbinex-1/bin/orbinex", "old code");
     home.manager.answer(0);
     EXPECT_EQ(home.folder.read("Applications/orbinex-1/bin/orbinex"), "code");
     EXPECT_EQ(home.folder.read("data/Trash/files/orbinex-1/bin/orbinex"), "old code");
     ::unsetenv("XDG_DATA_HOME");
+    ::setenv("HOME", homeBefore.c_str(), 1);
 }
 
 TEST(LinuxBundle, deletesAnOldCopyThatHasNoTrashToGoTo) {
