@@ -65,7 +65,10 @@ void Scenario::TearDown() {
 }
 
 Process& Scenario::startProgram() {
-    const Process::Environment environment{{"DISPLAY", desktop().display()}, {"XDG_CONFIG_HOME", home_}};
+    // A window of the program's, such as the one that asks about a pairing, would cover what the scenarios
+    // look at.
+    const Process::Environment environment{
+        {"DISPLAY", desktop().display()}, {"QT_QPA_PLATFORM", "offscreen"}, {"XDG_CONFIG_HOME", home_}};
     program_ = std::make_unique<Process>(
         "orbinex",
         std::vector<std::string>{machine->program("orbinex"), "--at-login", "--adapter", hostAdapter},
