@@ -41,7 +41,7 @@ TEST(ClipReader, readsWhatIsAskedForWithinItsBounds) {
         const auto read = reader->readMono(row.start, row.frames, buffer);
         EXPECT_EQ(read.framesRead, row.expected) << row.start;
         for (std::size_t i = 0; i < row.room; ++i) {
-            const auto frame = static_cast<float>(row.start + static_cast<std::int64_t>(i));
+            const auto frame = static_cast<float>(row.start) + static_cast<float>(i);
             EXPECT_EQ(buffer[i], i < row.expected ? (frame + 0.5F) / 4096.0F : -1) << row.start << "+" << i;
         }
         if (row.expected == 0) {
