@@ -90,6 +90,12 @@ testing::AssertionResult LinkScenario::shows(const std::string& line) {
     return program().waitFor(line, limit);
 }
 
+testing::AssertionResult LinkScenario::isLeft(Process& phone) {
+    // What it prints of meters has the word too.
+    static const std::regex pattern("^disconnected ");
+    return phone.waitFor(pattern, limit);
+}
+
 testing::AssertionResult LinkScenario::pointerFollows(Process& phone) {
     XClient& client = desktop().client();
     client.handleEvents();

@@ -35,6 +35,9 @@ class LinkScenario : public Scenario {
     testing::AssertionResult becomesConnected(const std::string& name = phoneName);
     /// It prints this line.
     testing::AssertionResult shows(const std::string& line);
+    /// The phone tells that its link to the computer has ended. bluetoothd takes two seconds for what the
+    /// program or the user has asked it to end, and whoever connects meanwhile is cut off too.
+    static testing::AssertionResult isLeft(Process& phone);
     /// A move on the phone is seen by the client on the desktop.
     testing::AssertionResult pointerFollows(Process& phone);
 

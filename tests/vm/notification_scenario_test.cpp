@@ -217,7 +217,7 @@ TEST_F(NotificationScenario, socketsAndSignalsBringEverythingAtTheirOwnCost) {
     endProgram();
     const auto devices = bluetooth().devices(hostAdapter);
     ASSERT_EQ(devices.size(), 1U);
-    ASSERT_TRUE(phone().waitFor("disconnected", limit));
+    ASSERT_TRUE(isLeft(phone()));
     auto device = QString::fromStdString("/org/bluez/" + hostAdapter + "/dev_" + devices[0].address);
     device.replace(':', '_');
 
