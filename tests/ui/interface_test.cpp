@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "app/app_delegate.h"
-#include "ui/faced_program.h"
+#include "pictures/faced_program.h"
 
 namespace orbinex::test {
 namespace {

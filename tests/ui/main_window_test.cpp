@@ -4,7 +4,7 @@
 
 #include "app/product_links.h"
 #include "app/system_settings_urls.h"
-#include "ui/faced_program.h"
+#include "pictures/faced_program.h"
 
 namespace orbinex::test {
 namespace {

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "app/two_prompts.h"
-#include "ui/faced_program.h"
+#include "pictures/faced_program.h"
 
 namespace orbinex::test {
 namespace {

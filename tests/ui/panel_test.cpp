@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "app/system_settings_urls.h"
-#include "ui/faced_program.h"
+#include "pictures/faced_program.h"
 
 namespace orbinex::test {
 namespace {

@@ -12,7 +12,7 @@
 #include <gtest/gtest.h>
 
 #include "support/private_x_server.h"
-#include "ui/faced_program.h"
+#include "pictures/faced_program.h"
 #include "ui/notifier_watcher.h"
 #include "ui/x_pointer.h"
 

@@ -4,9 +4,9 @@
 #include <QDir>
 #include <cstdio>
 
-#include "ui/faced_program.h"
+#include "pictures/faced_program.h"
 
-namespace orbinex::test {
+namespace orbinex {
 namespace {
 
 using namespace std::chrono_literals;
@@ -106,16 +106,16 @@ void messages(Pictures& pictures) {
 }
 
 }  // namespace
-}  // namespace orbinex::test
+}  // namespace orbinex
 
 int main(int argc, char** argv) {
     if (argc != 2) {
         std::fprintf(stderr, "pictures FOLDER\n");
         return 2;
     }
-    orbinex::test::Pictures pictures(QString::fromLocal8Bit(argv[1]));
-    orbinex::test::phases(pictures);
-    orbinex::test::firstStart(pictures);
-    orbinex::test::crowded(pictures);
-    orbinex::test::messages(pictures);
+    orbinex::Pictures pictures(QString::fromLocal8Bit(argv[1]));
+    orbinex::phases(pictures);
+    orbinex::firstStart(pictures);
+    orbinex::crowded(pictures);
+    orbinex::messages(pictures);
 }
