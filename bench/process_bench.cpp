@@ -37,6 +37,8 @@ using Milliseconds = std::chrono::duration<double, std::milli>;
 constexpr int starts = 9;
 constexpr auto settling = 6s;
 constexpr auto watched = 10s;
+/// How long the program keeps windows that nobody sees.
+constexpr auto unusedLifetime = 20s;
 constexpr int meteredTracks = 8;
 constexpr int clipSeconds = 40;
 constexpr const char* neighbourDaemon = "/usr/lib/x86_64-linux-gnu/libexec/kdeconnectd";
@@ -203,6 +205,7 @@ void Bench::neighbours() {
         tellCost("kdeconnect-indicator", indicator);
     }
     tellCost("bare tray icon", start(own("bare_tray")));
+    tellCost("bare tray icon with a timer of 66 ms", start(own("bare_tray", {"--tick"})));
     tellCost("bare window", start(own("bare_window")));
 }
 
@@ -222,6 +225,7 @@ void Bench::windowOpenAndClosed() {
     openWindow();
     tellCost("orbinex, searching, window open", program);
     closeWindow();
+    std::this_thread::sleep_for(unusedLifetime);
     tellCost("orbinex, searching, window closed again", program);
 }
 

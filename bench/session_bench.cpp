@@ -15,6 +15,7 @@
 #include "median_reporter.h"
 #include "sim/recording_command_file.h"
 #include "sim/simulated_clip_media.h"
+#include "sim/simulated_midi_endpoints.h"
 #include "sim/simulated_script_host.h"
 #include "sim/simulated_system_volume.h"
 #include "sim/simulated_workspace.h"
@@ -81,7 +82,8 @@ struct Session {
     SimulatedSystemVolume volume;
     SimulatedClipMedia media;
     DirectSourceOpener clips{media};
-    AppWatcherDaemon bridge{{queue, workspace, host, commandFile, volume, clips}};
+    SimulatedMIDIEndpoints midi;
+    AppWatcherDaemon bridge{{queue, workspace, host, commandFile, volume, clips, midi}};
     std::size_t bytes = 0;
     std::size_t telemetries = 0;
 };

@@ -21,6 +21,7 @@ constexpr std::size_t maximumReceivedIdentityBytes = 128;
 Bytes hello(std::uint8_t version, std::string_view name) {
     Bytes bytes = textMessage(MessageType::hello);
     const std::string_view kept = name.substr(0, maximumIdentityBytes);
+    bytes.reserve(bytes.size() + 1 + kept.size());
     bytes.push_back(version);
     bytes.insert(bytes.end(), kept.begin(), kept.end());
     return bytes;
