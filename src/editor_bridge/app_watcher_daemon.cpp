@@ -12,6 +12,7 @@ AppWatcherDaemon::AppWatcherDaemon(const Ports& ports)
       scriptHost_(ports.scriptHost),
       commandFile_(ports.commandFile),
       volume_(ports.volume),
+      midi_(ports.midi),
       lastPlayheadUpdateUptime_(ports.queue.uptime()),
       meterEngine_(ports.clips) {
     setupMIDISurface();
@@ -31,7 +32,9 @@ AppWatcherDaemon::AppWatcherDaemon(const Ports& ports)
     });
 }
 
-AppWatcherDaemon::~AppWatcherDaemon() = default;
+AppWatcherDaemon::~AppWatcherDaemon() {
+    midi_.stop();
+}
 
 void AppWatcherDaemon::refreshCurrentApp() {
     if (const auto application = workspace_.frontmostApplication()) publishCurrentApp(*application);

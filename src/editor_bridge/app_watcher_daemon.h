@@ -14,6 +14,8 @@
 #include "base/main_queue.h"
 #include "editor_bridge/command_file.h"
 #include "editor_bridge/editor_bridge.h"
+#include "editor_bridge/fader_reports.h"
+#include "editor_bridge/midi_endpoints.h"
 #include "editor_bridge/playback_tracker.h"
 #include "editor_bridge/script_host.h"
 #include "editor_bridge/script_output.h"
@@ -34,6 +36,7 @@ struct TimecodeLine;
 /// | app_watcher_daemon.cpp | creation, applications, the link's coming and going |
 /// | script_bridge.cpp | the script's process, what it prints, what it is told |
 /// | commands.cpp | the iPhone's commands, the session that is sent, the system's volume |
+/// | midi_surface_duty.cpp | the MIDI surface: commands out, the workstation's faders in |
 /// | telemetry.cpp | timecode, playback, transport keys, the meter tick |
 class AppWatcherDaemon final : public EditorBridge {
   public:
@@ -50,6 +53,7 @@ class AppWatcherDaemon final : public EditorBridge {
         CommandFile& commandFile;
         SystemVolume& volume;
         ClipSourceOpener& clips;
+        MIDIEndpoints& midi;
     };
 
     /// Begins to watch at once. The ports must outlive it.
@@ -104,7 +108,17 @@ class AppWatcherDaemon final : public EditorBridge {
     void sendTrackState(std::int64_t index) const;
     void syncSystemVolume();
     void setSystemVolume(double dB);
+
+    // The MIDI surface
     void setupMIDISurface();
+    void setMIDISurfaceOnline(bool isOnline);
+    void playOnSurface(const DAWCommand& command);
+    void sendMIDIMessage(const MIDIMessage& message);
+    void sendFaderPosition(int channel, double dB);
+    /// On the thread of the messages; posts `apply` to the main thread when there is something new.
+    void handleMIDIFeedback(const MIDIMessage& message, const MainQueue::Job& apply);
+    void applyFaderReports();
+    void applyFaderFeedback(std::int64_t trackIndex, double dB);
 
     // Telemetry
     void publishTelemetry(const SessionTelemetry& telemetry);
@@ -118,6 +132,7 @@ class AppWatcherDaemon final : public EditorBridge {
     ScriptHost& scriptHost_;
     CommandFile& commandFile_;
     SystemVolume& volume_;
+    MIDIEndpoints& midi_;
 
     bool isBLEClientConnected_ = false;
     ScriptText scriptText_;
@@ -135,6 +150,8 @@ class AppWatcherDaemon final : public EditorBridge {
     /// The last meters as they were sent, kept for their memory.
     Bytes meterMessage_;
 
+    FaderReports faderReports_;
+
     Timer supervisorTimer_;
     Timer playbackStopTimer_;
     Timer meterTimer_;
@@ -142,6 +159,7 @@ class AppWatcherDaemon final : public EditorBridge {
     Subscription launchObserver_;
     Subscription terminateObserver_;
     std::unique_ptr<ScriptHost::Process> resolveProcess_;
+    Lifetime lifetime_;
 };
 
 }  // namespace orbinex

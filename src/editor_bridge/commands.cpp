@@ -38,6 +38,7 @@ void AppWatcherDaemon::handleCommand(const DAWCommand& command) {
     if (const auto* volume = std::get_if<DAWCommand::SetTrackVolume>(&command.value)) {
         if (volume->trackIndex == 0) setSystemVolume(volume->volumeDB);
     }
+    playOnSurface(command);
     reply(command);
 }
 
@@ -116,11 +117,6 @@ void AppWatcherDaemon::syncSystemVolume() {
     });
     const auto master = std::ranges::find_if(dawSnapshot->tracks, isMaster);
     if (master != dawSnapshot->tracks.end() && isBLEClientConnected_) send(encodeTrack(*master));
-}
-
-/// There are no MIDI endpoints, and the iPhone is told so.
-void AppWatcherDaemon::setupMIDISurface() {
-    dawSnapshot.edit([](DAWSessionSnapshot& session) { session.midiSurfaceOnline = false; });
 }
 
 void AppWatcherDaemon::setSystemVolume(double dB) {

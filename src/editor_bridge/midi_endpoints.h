@@ -10,6 +10,7 @@ namespace orbinex {
 using MIDIMessage = std::array<std::uint8_t, 3>;
 
 /// A virtual MIDI device of this computer: a source that we play on and a destination that others play to.
+/// Main thread only, but for what is said of onMessage.
 class MIDIEndpoints {
   public:
     MIDIEndpoints() = default;
@@ -25,11 +26,14 @@ class MIDIEndpoints {
     /// Plays a message to everybody who listens to the source; nothing happens while there is none.
     virtual void send(const MIDIMessage& message) = 0;
 
-    /// Called on whatever thread the messages of the destination arrive on, in their order, with messages of
-    /// at least three bytes cut to their first three. Set before start().
+    /// Called on whatever thread the messages of the destination arrive on, one at a time, in their order,
+    /// with messages of at least three bytes cut to their first three. They are as the other program sent
+    /// them: no byte of them can be relied on. Set before start().
     std::function<void(const MIDIMessage&)> onMessage;
     /// Creates the endpoints, now or as soon as the system has MIDI.
     virtual void start() = 0;
+    /// Takes the endpoints away. Nothing is called any more once it has returned; start() may follow.
+    virtual void stop() = 0;
 };
 
 }  // namespace orbinex

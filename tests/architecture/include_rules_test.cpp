@@ -47,12 +47,13 @@ const std::map<std::string, Names> adapters{
     {"audio/ffmpeg", {"audio"}},
     {"audio/codec", {"audio", "audio/sndfile", "audio/ffmpeg"}},
     {"editor_bridge/linux", {"editor_bridge", "base"}},
+    {"editor_bridge/midi", {"editor_bridge", "base"}},
     {"link/bluez", {"link", "protocol", "base"}},
     {"app/x11", {"app", "input/x11"}},
     {"ui", {"app", "link", "trust", "base"}},
     {"app/linux",
-     {"app", "link", "editor_bridge", "editor_bridge/linux", "audio/background", "audio/codec", "audio/linux",
-      "base"}},
+     {"app", "link", "editor_bridge", "editor_bridge/linux", "editor_bridge/midi", "audio/background",
+      "audio/codec", "audio/linux", "base"}},
 };
 
 /// The one file that puts everything together.

@@ -26,6 +26,7 @@
 #include "sim/recording_event_poster.h"
 #include "sim/scripted_layout.h"
 #include "sim/simulated_clip_media.h"
+#include "sim/simulated_midi_endpoints.h"
 #include "sim/simulated_radio.h"
 #include "sim/simulated_shell.h"
 #include "sim/simulated_system_volume.h"
@@ -120,7 +121,8 @@ class EditorSessionTest : public testing::Test {
     TmpCommandFile commandFile{(folder / "commands.txt").string()};
     SimulatedClipMedia media;
     DirectSourceOpener clips{media};
-    AppWatcherDaemon bridge{{queue, workspace, host, commandFile, volume, clips}};
+    SimulatedMIDIEndpoints midi;
+    AppWatcherDaemon bridge{{queue, workspace, host, commandFile, volume, clips, midi}};
     MemoryDefaults defaults;
     SimulatedRadio radio{queue};
     SimulatedPhone& phone = radio.addPhone(UUID::random(), {2, UUID::random(), "Studio iPhone"});

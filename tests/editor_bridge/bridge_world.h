@@ -10,6 +10,7 @@
 #include "protocol/control_message.h"
 #include "sim/recording_command_file.h"
 #include "sim/simulated_clip_media.h"
+#include "sim/simulated_midi_endpoints.h"
 #include "sim/simulated_script_host.h"
 #include "sim/simulated_system_volume.h"
 #include "sim/simulated_workspace.h"
@@ -26,10 +27,11 @@ class BridgeWorld {
   public:
     BridgeWorld() { start(); }
 
-    /// Creates the bridge, as at the program's start.
+    /// Creates the bridge, as at the program's start; the one before has ended.
     void start() {
+        daemon.reset();
         daemon = std::make_unique<AppWatcherDaemon>(
-            AppWatcherDaemon::Ports{queue, workspace, host, commandFile, volume, clips});
+            AppWatcherDaemon::Ports{queue, workspace, host, commandFile, volume, clips, midi});
         daemon->onActiveAppChanged = [this](const std::string& bundleID) { activeApps.push_back(bundleID); };
         daemon->onTelemetryChanged = [this](const SessionTelemetry& telemetry) { told.push_back(telemetry); };
         daemon->onDAWPacketReady = [this](ByteView message) {
@@ -51,6 +53,12 @@ class BridgeWorld {
         told.clear();
         packets.clear();
         commandFile.lines.clear();
+        midi.sent.clear();
+    }
+    /// A message of the workstation, and its way to the main thread.
+    void feedback(const MIDIMessage& message) {
+        midi.inject(message);
+        queue.runDue();
     }
     /// The kinds of the packets: H for a header, T and the index for a track, M for meters.
     [[nodiscard]] std::string packetKinds() const {
@@ -78,6 +86,7 @@ class BridgeWorld {
     SimulatedSystemVolume volume;
     SimulatedClipMedia media;
     DirectSourceOpener clips{media};
+    SimulatedMIDIEndpoints midi;
 
     std::vector<std::string> activeApps;
     std::vector<SessionTelemetry> told;

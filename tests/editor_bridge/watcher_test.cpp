@@ -124,7 +124,7 @@ TEST(Watcher, greetsAnIPhoneWithTheWholeSession) {
     EXPECT_EQ(world.commandFile.lines, Texts{"REFRESH"});
     EXPECT_EQ(world.packetKinds(), "T0 H T1 T2 T3 T0 M") << "the volume first";
     EXPECT_EQ(world.session().masterVolumeDB, -36);
-    EXPECT_FALSE(world.session().midiSurfaceOnline);
+    EXPECT_TRUE(world.session().midiSurfaceOnline);
     world.forget();
     world.daemon->setBLEClientConnected(false);
     world.volume.position = 0.5;

@@ -13,6 +13,7 @@
 #include "editor_bridge/linux/pulse_volume.h"
 #include "editor_bridge/linux/tmp_command_file.h"
 #include "editor_bridge/linux/x11_workspace.h"
+#include "editor_bridge/midi/system_midi_endpoints.h"
 
 namespace orbinex {
 
@@ -36,7 +37,8 @@ class LinuxEditorBridge {
           volume_(queue, places.soundServer),
           clips_(std::make_shared<LinuxClipMedia>(openCodec, mediaThreads_.workers()),
                  mediaThreads_.workers()),
-          daemon_({queue, workspace_, scriptHost_, commandFile_, volume_, clips_}) {}
+          midi_(queue),
+          daemon_({queue, workspace_, scriptHost_, commandFile_, volume_, clips_, midi_}) {}
 
     AppWatcherDaemon& daemon() { return daemon_; }
     const SystemVolume& volume() const { return volume_; }
@@ -51,6 +53,7 @@ class LinuxEditorBridge {
     PulseVolume volume_;
     MediaThreads mediaThreads_;
     BackgroundSourceOpener clips_;
+    SystemMIDIEndpoints midi_;
     AppWatcherDaemon daemon_;
 };
 

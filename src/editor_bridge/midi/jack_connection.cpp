@@ -1,0 +1,72 @@
+#include "editor_bridge/midi/jack_connection.h"
+
+#include <algorithm>
+#include <cstdint>
+
+#include <jack/midiport.h>
+
+#include "editor_bridge/midi_surface_names.h"
+
+namespace orbinex {
+
+std::unique_ptr<MIDIConnection> JackConnection::open(MIDIListener& listener) {
+    // Without a server, which is no error here, the library would complain at every attempt.
+    jack_set_error_function([](const char*) {});
+    jack_set_info_function([](const char*) {});
+    std::unique_ptr<JackConnection> connection(new JackConnection(listener));
+    if (!connection->connect()) return nullptr;
+    return connection;
+}
+
+JackConnection::~JackConnection() {
+    if (client_) jack_client_close(client_);
+}
+
+bool JackConnection::connect() {
+    client_ = jack_client_open(MIDISurfaceNames::client, JackNoStartServer, nullptr);
+    if (!client_) return false;
+    jack_on_shutdown(
+        client_, [](void* self) { static_cast<JackConnection*>(self)->listener_.lost(); }, this);
+    jack_set_process_callback(
+        client_,
+        [](jack_nframes_t frames, void* self) {
+            static_cast<JackConnection*>(self)->process(frames);
+            return 0;
+        },
+        this);
+    // "Terminal": nothing passes through us. Workstations offer such ports for control surfaces.
+    source_ = jack_port_register(client_, MIDISurfaceNames::source, JACK_DEFAULT_MIDI_TYPE,
+                                 JackPortIsOutput | JackPortIsTerminal, 0);
+    // Without it nothing is heard, but everything is played.
+    destination_ = jack_port_register(client_, MIDISurfaceNames::destination, JACK_DEFAULT_MIDI_TYPE,
+                                      JackPortIsInput | JackPortIsTerminal, 0);
+    return source_ && jack_activate(client_) == 0;
+}
+
+void JackConnection::process(jack_nframes_t frames) {
+    play(jack_port_get_buffer(source_, frames));
+    if (destination_) receive(jack_port_get_buffer(destination_, frames));
+}
+
+void JackConnection::play(void* buffer) {
+    jack_midi_clear_buffer(buffer);
+    while (const auto* message = outgoing_.front()) {
+        auto* const bytes = jack_midi_event_reserve(buffer, 0, message->size());
+        if (!bytes) return;
+        std::ranges::copy(*message, bytes);
+        outgoing_.pop();
+    }
+}
+
+void JackConnection::receive(void* buffer) const {
+    const std::uint32_t count = jack_midi_get_event_count(buffer);
+    for (std::uint32_t i = 0; i < count; ++i) {
+        jack_midi_event_t event{};
+        MIDIMessage message{};
+        if (jack_midi_event_get(&event, buffer, i) != 0 || event.size < message.size()) continue;
+        std::copy_n(event.buffer, message.size(), message.begin());
+        listener_.received(message);
+    }
+}
+
+}  // namespace orbinex

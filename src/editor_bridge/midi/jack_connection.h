@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+
+#include <jack/jack.h>
+
+#include "editor_bridge/midi/message_ring.h"
+#include "editor_bridge/midi/midi_connection.h"
+
+namespace orbinex {
+
+/// The endpoints as two ports of one client of a JACK server: the one that JACK_DEFAULT_SERVER names, or
+/// PipeWire's where its library stands in for JACK's. No server is ever started.
+///
+/// A client that has our name already, such as a second Orbinex, keeps it: JACK numbers ours ("-01"). The
+/// ports' names are the same in both.
+class JackConnection final : public MIDIConnection {
+  public:
+    /// Waits for the server's answer; turns off what the library prints.
+    static std::unique_ptr<MIDIConnection> open(MIDIListener& listener);
+    ~JackConnection() override;
+
+    /// Goes out with the server's next period. Messages that a period has no room for go with those after.
+    void send(const MIDIMessage& message) override { outgoing_.push(message); }
+
+  private:
+    /// Far more than a person can ask for while a server has its hiccups.
+    static constexpr std::size_t mostWaiting = 131'072;
+
+    explicit JackConnection(MIDIListener& listener) : listener_(listener) {}
+    bool connect();
+    void process(jack_nframes_t frames);
+    void play(void* buffer);
+    void receive(void* buffer) const;
+
+    MIDIListener& listener_;
+    MessageRing outgoing_{mostWaiting};
+    jack_client_t* client_ = nullptr;
+    jack_port_t* source_ = nullptr;
+    jack_port_t* destination_ = nullptr;
+};
+
+}  // namespace orbinex
