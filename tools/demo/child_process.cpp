@@ -11,19 +11,21 @@ constexpr int endLimitMilliseconds = 2000;
 }
 
 ChildProcess::ChildProcess(const QString& program, const QStringList& arguments,
-                           const QProcessEnvironment& environment, const QString& logFile,
-                           const std::function<void()>& inChild) {
+                           const QProcessEnvironment& environment, const QString& logFile, Streams streams) {
     process_.setProgram(program);
     process_.setArguments(arguments);
     process_.setProcessEnvironment(environment);
-    process_.setStandardInputFile(QProcess::nullDevice());
-    process_.setProcessChannelMode(QProcess::MergedChannels);
-    process_.setStandardOutputFile(logFile, QIODevice::Append);
-    process_.setChildProcessModifier([inChild] {
+    if (streams == Streams::toLog) {
+        process_.setStandardInputFile(QProcess::nullDevice());
+        process_.setProcessChannelMode(QProcess::MergedChannels);
+        process_.setStandardOutputFile(logFile, QIODevice::Append);
+    } else {
+        process_.setStandardErrorFile(logFile, QIODevice::Append);
+    }
+    process_.setChildProcessModifier([] {
         ::prctl(PR_SET_PDEATHSIG, SIGKILL);
         // An interrupt from the keyboard is the demo's alone, which then ends its children in order.
         ::signal(SIGINT, SIG_IGN);
-        if (inChild) inChild();
     });
     process_.start();
 }

@@ -1,18 +1,19 @@
 #pragma once
 
 #include <QProcess>
-#include <chrono>
-#include <functional>
 
 namespace orbinex::demo {
 
 /// A program that ends with this object, and with the demo however that ends.
 class ChildProcess {
   public:
-    /// Starts the program with exactly this environment; what it prints goes to the log file. `inChild` runs
-    /// in the new process before the program does, and may call only what is safe after fork().
+    enum class Streams {
+        toLog,  ///< what it prints goes to the log file, and it reads nothing
+        piped,  ///< only its errors go to the log file; the rest goes through pipe()
+    };
+    /// Starts the program with exactly this environment.
     ChildProcess(const QString& program, const QStringList& arguments, const QProcessEnvironment& environment,
-                 const QString& logFile, const std::function<void()>& inChild = {});
+                 const QString& logFile, Streams streams = Streams::toLog);
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
     /// Asks the program to end, and makes it when it takes longer than two seconds.
@@ -21,6 +22,8 @@ class ChildProcess {
     [[nodiscard]] bool isRunning() const { return process_.state() != QProcess::NotRunning; }
     /// It ran and returned 0.
     [[nodiscard]] bool hasSucceeded() const;
+    /// Its standard streams, where they are piped.
+    [[nodiscard]] QProcess& pipe() { return process_; }
 
   private:
     QProcess process_;

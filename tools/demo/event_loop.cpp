@@ -30,6 +30,11 @@ void EventLoop::linger(Milliseconds duration) {
     if (duration > Milliseconds::zero()) waitUntil([] { return false; }, duration);
 }
 
+Ended EventLoop::run() {
+    while (!ended_) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    return *ended_;
+}
+
 void EventLoop::end(Ended why) {
     if (!ended_) ended_ = std::move(why);
 }

@@ -27,6 +27,8 @@ class EventLoop {
     bool waitUntil(const std::function<bool()>& condition, Milliseconds limit);
     /// Lets time pass for somebody who watches.
     void linger(Milliseconds duration);
+    /// Goes on until end() is called, however long that takes.
+    Ended run();
     /// Makes the wait that is going on, or the next one, throw. The first call counts.
     void end(Ended why);
 

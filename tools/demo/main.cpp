@@ -1,7 +1,7 @@
 // Shows the main job from end to end: a simulated phone drives a desktop of the demo's own, and what it does
 // is read back from the X server and from the editor.
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -22,17 +22,18 @@ constexpr auto patience = 100s;
 /// Between packets: what a phone's screen gives, and slow enough to be watched.
 constexpr std::chrono::milliseconds touchPace{4};
 constexpr std::chrono::milliseconds watchedPace{16};
-constexpr auto farewell = 5s;
-/// In which every window has shown what it was last told.
-constexpr auto drawingTime = 300ms;
+constexpr auto windowLimit = 20s;
 
-constexpr const char* usage = R"(usage: orbinex_demo [--nested] [--out FILE]
-  --nested     in a window on your own display, slowly enough to watch; leave the pointer out of that window
+constexpr const char* usage = R"(usage: orbinex_demo [--nested] [--play] [--out FILE]
+  --nested     in a window on your own display, slowly enough to watch, with the phone in a window beside it;
+               leave the pointer out of that window. Afterwards it stays, for you to use the phone.
+  --play       the same without the story
   --out FILE   where the picture of the desktop goes; out/demo.png when not given
 )";
 
 struct Options {
     bool isNested = false;
+    bool isStoryTold = true;
     std::filesystem::path picture = "out/demo.png";
 };
 
@@ -42,6 +43,9 @@ std::optional<Options> parse(int argc, char** argv) {
         const std::string argument = argv[i];
         if (argument == "--nested") {
             options.isNested = true;
+        } else if (argument == "--play") {
+            options.isNested = true;
+            options.isStoryTold = false;
         } else if (argument == "--out" && i + 1 < argc) {
             options.picture = argv[++i];
         } else {
@@ -51,10 +55,25 @@ std::optional<Options> parse(int argc, char** argv) {
     return options;
 }
 
-void tellTheStory(EventLoop& loop, Report& report, const Options& options) {
-    PrivateDesktop desktop(
-        loop, options.isNested ? PrivateDesktop::Screen::nested : PrivateDesktop::Screen::unseen);
-    ScreenProbe screen(desktop.display());
+void tellTheStory(Stage& stage, const Options& options) {
+    meetThePhone(stage);
+    moveAndClick(stage);
+    typeTheLetter(stage);
+    selectAndCopy(stage);
+    loseTheLinkInADrag(stage);
+    scrollThroughTheLetter(stage);
+    useThePhonesWindow(stage);
+    controlTheEditor(stage);
+    showEverything(stage, options.picture.string());
+    restartTheEditor(stage);
+    stage.report.summary(std::filesystem::absolute(options.picture).string());
+}
+
+/// Nothing when the story has been told to its end. The desktop stays where somebody is to play with it.
+std::optional<Ended> run(EventLoop& loop, Report& report, const PrivateDisplay& display,
+                         const Options& options) {
+    PrivateDesktop desktop(loop, display);
+    ScreenProbe screen(desktop.display(), desktop.places().deskLeft);
     SelectionProbe selections(desktop.display());
     openTheDesktop(loop, report, desktop, screen);
 
@@ -71,26 +90,26 @@ void tellTheStory(EventLoop& loop, Report& report, const Options& options) {
                      .scriptHost = host.toStdString(),
                      .commandFile = desktop.place("commands.txt"),
                      .soundServer = desktop.soundServer()});
-    PhoneUser user(loop, program.phone(), options.isNested ? watchedPace : touchPace);
-    Stage stage{loop, report, desktop, screen, selections, program, user, editor, clips};
-    meetThePhone(stage);
-    moveAndClick(stage);
-    typeTheLetter(stage);
-    selectAndCopy(stage);
-    loseTheLinkInADrag(stage);
-    scrollThroughTheLetter(stage);
-    controlTheEditor(stage);
-    loop.linger(drawingTime);
-    const bool isTaken = desktop.takePicture(options.picture.string());
-    report.step("picture of the desktop", "taken", isTaken ? "taken" : "not taken");
-    restartTheEditor(stage);
-    if (options.isNested) loop.linger(farewell);
+    // A person has one pointer. Were the phone on the desktop that it moves the pointer of, nobody could use
+    // it.
+    PhoneWindow phoneWindow(loop, program.phone(),
+                            options.isNested ? PhoneWindow::Use::byPerson : PhoneWindow::Use::byOrders,
+                            options.isNested ? display.outside() : desktop.environment(),
+                            QString::fromStdString(desktop.place("phone.log")));
+    const bool isPhoneShown = loop.waitUntil([&] { return phoneWindow.isShown(); }, windowLimit);
+    report.step("the phone's window", "is shown", isPhoneShown ? "is shown" : "is not");
+    PhoneUser user(loop, program.phone(), phoneWindow, options.isNested ? watchedPace : touchPace);
+    Stage stage{loop, report, desktop, screen, selections, program, phoneWindow, user, editor, clips};
+    if (options.isStoryTold) tellTheStory(stage, options);
+    if (!options.isNested) return std::nullopt;
+    if (!options.isStoryTold) setTheStage(stage);
+    letPlay(stage);
+    return loop.run();
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    const QCoreApplication application(argc, argv);
     const auto options = parse(argc, argv);
     if (!options) {
         std::fputs(usage, stderr);
@@ -99,15 +118,23 @@ int main(int argc, char** argv) {
     std::error_code ignored;
     std::filesystem::create_directories(std::filesystem::absolute(options->picture).parent_path(), ignored);
 
-    EventLoop loop(patience);
-    const UnixSignals signals([&](int signal) { loop.end({"ended by a signal", 128 + signal}); });
     Report report;
     try {
-        tellTheStory(loop, report, *options);
+        EventLoop loop(patience);
+        // It goes with the process however that ends: Qt leaves by exit() when the display goes away.
+        static const PrivateDisplay display(options->isNested ? PrivateDisplay::Screen::nested
+                                                              : PrivateDisplay::Screen::unseen);
+        display.moveIn();
+        Interface::prepareApplication();
+        const QApplication application(argc, argv);
+        const UnixSignals signals([&](int signal) { loop.end({"ended by a signal", 128 + signal}); });
+        if (const auto end = run(loop, report, display, *options)) {
+            std::fprintf(stderr, "demo: %s\n", end->reason.c_str());
+            if (end->exitStatus > 1) return end->exitStatus;
+        }
     } catch (const Ended& why) {
         std::fprintf(stderr, "demo: %s\n", why.reason.c_str());
         return why.exitStatus;
     }
-    report.summary(std::filesystem::absolute(options->picture).string());
     return report.failures() == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }

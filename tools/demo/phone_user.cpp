@@ -9,6 +9,7 @@ namespace orbinex::demo {
 
 void PhoneUser::send(const DecodedPacket& packet) {
     phone_.send(packet);
+    window_.show(packet);
     loop_.linger(pace_);
 }
 

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "event_loop.h"
+#include "phone_window.h"
 #include "protocol/input_packet.h"
 #include "sim/simulated_phone.h"
 
@@ -34,9 +35,10 @@ inline constexpr std::uint16_t down = 125;
 /// The person who holds the phone: each act becomes the packets that the phone sends for it.
 class PhoneUser {
   public:
-    /// Takes `pace` between one packet and the next, so that somebody can watch; zero for none.
-    PhoneUser(EventLoop& loop, SimulatedPhone& phone, std::chrono::milliseconds pace)
-        : loop_(loop), phone_(phone), pace_(pace) {}
+    /// Takes `pace` between one packet and the next, so that somebody can watch; zero for none. The window
+    /// shows what is done.
+    PhoneUser(EventLoop& loop, SimulatedPhone& phone, PhoneWindow& window, std::chrono::milliseconds pace)
+        : loop_(loop), phone_(phone), window_(window), pace_(pace) {}
 
     /// Points.
     void move(double deltaX, double deltaY);
@@ -62,6 +64,7 @@ class PhoneUser {
 
     EventLoop& loop_;
     SimulatedPhone& phone_;
+    PhoneWindow& window_;
     std::chrono::milliseconds pace_;
 };
 

@@ -1,15 +1,8 @@
 #include "private_desktop.h"
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QFile>
-#include <array>
 #include <chrono>
-
-#include <fcntl.h>
-#include <unistd.h>
-
-#include "desktop_settings.h"
 
 namespace orbinex::demo {
 
@@ -17,108 +10,34 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto startLimit = 20s;
 constexpr auto commandLimit = 10s;
-
-/// Nothing of the user's session but the way to the programs.
-QProcessEnvironment environmentIn(const QString& home) {
-    QProcessEnvironment result;
-    const QString path = QProcessEnvironment::systemEnvironment().value(
-        QStringLiteral("PATH"), QStringLiteral("/usr/local/bin:/usr/bin:/bin"));
-    result.insert(QStringLiteral("PATH"), path);
-    result.insert(QStringLiteral("HOME"), home);
-    result.insert(QStringLiteral("TMPDIR"), home);
-    result.insert(QStringLiteral("LANG"), QStringLiteral("C.UTF-8"));
-    result.insert(QStringLiteral("XDG_CONFIG_HOME"), home + QStringLiteral("/config"));
-    result.insert(QStringLiteral("XDG_CACHE_HOME"), home + QStringLiteral("/cache"));
-    result.insert(QStringLiteral("XDG_DATA_HOME"), home + QStringLiteral("/data"));
-    result.insert(QStringLiteral("XDG_STATE_HOME"), home + QStringLiteral("/state"));
-    result.insert(QStringLiteral("XDG_RUNTIME_DIR"), home);
-    // The editor keeps its settings in a file of its own and asks no session bus for anything.
-    result.insert(QStringLiteral("GSETTINGS_BACKEND"), QStringLiteral("keyfile"));
-    result.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("disabled:"));
-    result.insert(QStringLiteral("NO_AT_BRIDGE"), QStringLiteral("1"));
-    result.insert(QStringLiteral("GTK_IM_MODULE"), QStringLiteral("gtk-im-context-simple"));
-    return result;
-}
-
-/// The line that the server writes once it accepts connections, as far as it has come.
-class DisplayNumber {
-  public:
-    DisplayNumber() {
-        if (::pipe2(ends_.data(), O_CLOEXEC | O_NONBLOCK) != 0) throw Ended{"there is no pipe to be had"};
-    }
-    DisplayNumber(const DisplayNumber&) = delete;
-    DisplayNumber& operator=(const DisplayNumber&) = delete;
-    ~DisplayNumber() {
-        for (const int end : ends_) ::close(end);
-    }
-
-    [[nodiscard]] int writeEnd() const { return ends_[1]; }
-    /// True when the line is complete.
-    bool read() {
-        char c = 0;
-        while (::read(ends_[0], &c, 1) == 1) {
-            if (c == '\n') return true;
-            text_.push_back(c);
-        }
-        return false;
-    }
-    [[nodiscard]] const std::string& text() const { return text_; }
-
-  private:
-    std::array<int, 2> ends_{};
-    std::string text_;
-};
 
 }  // namespace
 
-PrivateDesktop::PrivateDesktop(EventLoop& loop, Screen screen)
+PrivateDesktop::PrivateDesktop(EventLoop& loop, const PrivateDisplay& display)
     : loop_(loop),
-      folder_(QDir::tempPath() + QStringLiteral("/orbinex-demo-XXXXXX")),
-      environment_(environmentIn(folder_.path())) {
-    if (!folder_.isValid() || !writeDesktopSettings(path("config"))) {
-        throw Ended{"a folder in " + QDir::tempPath().toStdString() + " cannot be written"};
-    }
-    startServer(screen);
-    display_.insert(0, ":");
-    environment_.insert(QStringLiteral("DISPLAY"), QString::fromStdString(display_));
-}
-
-void PrivateDesktop::startServer(Screen screen) {
-    DisplayNumber number;
-    const int fd = number.writeEnd();
-    QStringList arguments{QStringLiteral("-displayfd"), QString::number(fd), QStringLiteral("-noreset"),
-                          QStringLiteral("-nolisten"), QStringLiteral("tcp")};
-    QString program = QStringLiteral("Xvfb");
-    QProcessEnvironment environment = environment_;
-    if (screen == Screen::nested) {
-        program = QStringLiteral("Xephyr");
-        // Its window is the one thing that appears on the user's display.
-        environment = QProcessEnvironment::systemEnvironment();
-        arguments << QStringLiteral("-screen") << QStringLiteral("1280x800") << QStringLiteral("-title")
-                  << QStringLiteral("Orbinex demo");
-    } else {
-        arguments << QStringLiteral("-screen") << QStringLiteral("0") << QStringLiteral("1280x800x24");
-    }
-    server_ = std::make_unique<ChildProcess>(program, arguments, environment, path("server.log"),
-                                             [fd] { ::fcntl(fd, F_SETFD, 0); });
-    const bool isComplete = loop_.waitUntil(
-        [&] { return number.read() || (!server_->isRunning() && number.text().empty()); }, startLimit);
-    if (!isComplete || number.text().empty()) {
-        QFile log(path("server.log"));
-        const bool isOpen = log.open(QIODevice::ReadOnly);
-        throw Ended{program.toStdString() + " cannot be started. " +
-                    (isOpen ? log.readAll().toStdString() : "")};
-    }
-    display_ = number.text();
+      display_(display),
+      places_(display.screen() == PrivateDisplay::Screen::nested ? nestedPlaces : unseenPlaces),
+      environment_(display.inside()) {
+    if (!writeDesktopSettings(display.home(), places_))
+        throw Ended{"the folder " + display.home().toStdString() + " cannot be written"};
 }
 
 void PrivateDesktop::startWindowManager() {
     const QStringList arguments{QStringLiteral("--sm-disable"), QStringLiteral("--config-file"),
-                                windowManagerSettings(path("config"))};
+                                windowManagerSettings(display_.home())};
     windowManager_ = std::make_unique<ChildProcess>(QStringLiteral("openbox"), arguments, environment_,
                                                     path("openbox.log"));
+}
+
+void PrivateDesktop::startTray() {
+    const auto arguments =
+        QStringLiteral(
+            "--edge top --align right --widthtype request --height 30 --transparent true --alpha 0 "
+            "--tint 0x171B22")
+            .split(' ');
+    tray_ =
+        std::make_unique<ChildProcess>(QStringLiteral("trayer"), arguments, environment_, path("tray.log"));
 }
 
 void PrivateDesktop::startEditor() {
@@ -192,7 +111,7 @@ std::string PrivateDesktop::savedText() const {
 }
 
 QString PrivateDesktop::path(const char* name) const {
-    return folder_.filePath(QString::fromUtf8(name));
+    return display_.home() + '/' + QString::fromUtf8(name);
 }
 
 }  // namespace orbinex::demo

@@ -1,32 +1,35 @@
 #pragma once
 
-#include <QTemporaryDir>
+#include <QProcessEnvironment>
 #include <memory>
 #include <string>
 
 #include "child_process.h"
+#include "desktop_settings.h"
 #include "event_loop.h"
+#include "private_display.h"
 
 namespace orbinex::demo {
 
-/// A desktop of the demo's own: an X server, a window manager and a text editor, with a home folder that goes
-/// with them. Nothing of the user's is read, written or shown on. All of it ends with this object.
+/// A desktop of the demo's own on its private display: a window manager, a tray and a text editor. Nothing of
+/// the user's is read, written or shown on. All of it ends with this object.
 class PrivateDesktop {
   public:
-    enum class Screen {
-        unseen,  ///< in memory only
-        nested,  ///< in a window on the user's display
-    };
-
-    /// Starts the X server; throws Ended when that fails.
-    PrivateDesktop(EventLoop& loop, Screen screen);
+    /// The display must outlive the desktop. Throws Ended when its folder cannot be written.
+    PrivateDesktop(EventLoop& loop, const PrivateDisplay& display);
 
     /// Such as ":7".
-    [[nodiscard]] const std::string& display() const { return display_; }
+    [[nodiscard]] const std::string& display() const { return display_.name(); }
+    [[nodiscard]] const WindowPlaces& places() const { return places_; }
+    /// Of the display, and of what runs on it.
+    [[nodiscard]] const QProcessEnvironment& environment() const { return environment_; }
 
     /// These return at once; what they start is seen on the screen later.
     void startWindowManager();
+    /// For icons of programs, in a corner.
+    void startTray();
     void startEditor();
+    void quitEditor() { editor_.reset(); }
     /// A sound server with one output, that plays to nobody.
     void startSoundServer();
     /// The window of a stand-in for an editing application, whose state lies in that folder.
@@ -52,16 +55,15 @@ class PrivateDesktop {
     [[nodiscard]] std::string savedText() const;
 
   private:
-    void startServer(Screen screen);
     [[nodiscard]] QString path(const char* name) const;
 
     EventLoop& loop_;
-    // In the order in which they come; they go the other way round.
-    QTemporaryDir folder_;
+    const PrivateDisplay& display_;
+    const WindowPlaces& places_;
     QProcessEnvironment environment_;
-    std::unique_ptr<ChildProcess> server_;
-    std::string display_;
+    // In the order in which they come; they go the other way round.
     std::unique_ptr<ChildProcess> windowManager_;
+    std::unique_ptr<ChildProcess> tray_;
     std::unique_ptr<ChildProcess> editor_;
     std::unique_ptr<ChildProcess> soundServer_;
     std::unique_ptr<ChildProcess> editingApplication_;

@@ -27,8 +27,21 @@ Program::Program(EventLoop& loop, Report& report, const LinuxEditorBridge::Place
                          if (!connection_->isAlive()) loop.end({"the display has gone"});
                      }),
       editors_(queue_, places),
-      coordinator_(preferences_, {queue_, defaults_, radio_, wake_, poster_, layouts_, editors_.daemon(),
-                                  [] { return std::string(computerName); }, shell_.ports()}) {
+      coordinator_(preferences_, {queue_,
+                                  defaults_,
+                                  radio_,
+                                  wake_,
+                                  poster_,
+                                  layouts_,
+                                  editors_.daemon(),
+                                  [] { return std::string(computerName); },
+                                  {inputPermission_, shell_.loginItem, shell_.urls, presence_.activation()}}),
+      face_({queue_, coordinator_, relocation_, pairing_, shell_.urls, presence_,
+             [&loop] { loop.end({"Orbinex was quit"}); }}),
+      delegate_(preferences_, relocation_, [this] { face_.openMainWindow(); }) {
+    bundle_.location = std::nullopt;
+    delegate_.willFinishLaunching();
+    delegate_.didFinishLaunching(false);
     phone_.setAdvertising(false);
     report.says(*link().statusMessage);
     statusLines_ = link().statusMessage.onDidChange([&](const std::string& line) { report.says(line); });

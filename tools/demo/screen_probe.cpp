@@ -19,7 +19,8 @@ constexpr std::uint32_t propertyLimit = 1024;  // in units of four bytes
 
 }  // namespace
 
-ScreenProbe::ScreenProbe(const std::string& display) : connection_(xcb_connect(display.c_str(), nullptr)) {
+ScreenProbe::ScreenProbe(const std::string& display, int left)
+    : connection_(xcb_connect(display.c_str(), nullptr)), left_(left) {
     if (xcb_connection_has_error(connection_) != 0) {
         xcb_disconnect(connection_);
         throw Ended{"the display " + display + " cannot be opened"};
@@ -131,20 +132,26 @@ std::vector<std::uint32_t> ScreenProbe::pixels(const Box& box) const {
     return result;
 }
 
-std::optional<Box> ScreenProbe::find(std::uint32_t colour) const {
-    const auto image = pixels(whole());
+std::optional<Box> ScreenProbe::find(std::uint32_t colour, int shortestRun) const {
+    const int looked = width_ - left_;
+    const auto image = pixels({left_, 0, looked, height_});
     int left = width_;
     int right = -1;
     int top = height_;
     int bottom = -1;
-    for (std::size_t i = 0; i < image.size(); ++i) {
-        if (image[i] != colour) continue;
-        const int x = static_cast<int>(i) % width_;
-        const int y = static_cast<int>(i) / width_;
-        left = std::min(left, x);
-        right = std::max(right, x);
-        top = std::min(top, y);
-        bottom = std::max(bottom, y);
+    for (auto row = image.begin(); row != image.end(); row += looked) {
+        const auto end = row + looked;
+        for (auto from = std::find(row, end, colour); from != end;) {
+            const auto to = std::find_if(from, end, [&](std::uint32_t pixel) { return pixel != colour; });
+            if (to - from >= shortestRun) {
+                const int y = static_cast<int>(row - image.begin()) / looked;
+                left = std::min(left, left_ + static_cast<int>(from - row));
+                right = std::max(right, left_ + static_cast<int>(to - row) - 1);
+                top = std::min(top, y);
+                bottom = std::max(bottom, y);
+            }
+            from = std::find(to, end, colour);
+        }
     }
     if (right < 0) return std::nullopt;
     return Box{left, top, right - left + 1, bottom - top + 1};

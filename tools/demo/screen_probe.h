@@ -23,8 +23,9 @@ struct Box {
 /// knows, not what the program believes. A server that has gone shows nothing.
 class ScreenProbe {
   public:
-    /// Throws Ended when the display cannot be opened.
-    explicit ScreenProbe(const std::string& display);
+    /// Colours are looked for right of `left` only, as left of it stands what could show any. Throws Ended
+    /// when the display cannot be opened.
+    explicit ScreenProbe(const std::string& display, int left = 0);
     ~ScreenProbe();
     ScreenProbe(const ScreenProbe&) = delete;
     ScreenProbe& operator=(const ScreenProbe&) = delete;
@@ -45,8 +46,9 @@ class ScreenProbe {
     /// Menus and the like that are on the screen.
     [[nodiscard]] int popups() const;
 
-    /// The smallest rectangle that holds every pixel of this colour, 0xRRGGBB.
-    [[nodiscard]] std::optional<Box> find(std::uint32_t colour) const;
+    /// The smallest rectangle that holds every pixel of this colour, 0xRRGGBB. What is shorter than so many
+    /// pixels in a row does not count: the edges of letters have many colours.
+    [[nodiscard]] std::optional<Box> find(std::uint32_t colour, int shortestRun = 1) const;
     /// The pixels of a rectangle, row by row.
     [[nodiscard]] std::vector<std::uint32_t> pixels(const Box& box) const;
     [[nodiscard]] Box whole() const { return {0, 0, width_, height_}; }
@@ -57,6 +59,7 @@ class ScreenProbe {
 
     xcb_connection_t* connection_;
     std::uint32_t root_ = 0;
+    int left_ = 0;
     int width_ = 0;
     int height_ = 0;
 };

@@ -71,13 +71,14 @@ void openTheDesktop(EventLoop& loop, Report& report, PrivateDesktop& desktop, co
         report.step(name, fact, isMet ? fact : "not so");
         if (!isMet) throw Ended{"the desktop does not come up"};
     };
-    desktop.setBackground("#35505f");
+    desktop.setBackground("#24343f");
     // Its option key gives further characters, as on the phone's own keyboard.
     const bool isLayoutSet = desktop.setKeyboardLayout("us", "mac");
     report.step("keyboard layout", "us(mac)", isLayoutSet ? "us(mac)" : "not set");
     desktop.startSoundServer();
     desktop.startWindowManager();
     step("window manager", "runs", [&] { return screen.hasWindowManager(); });
+    desktop.startTray();
     desktop.startEditor();
     step("text editor", "shows its paper", [&] {
         const auto paper = screen.find(paperColour);

@@ -8,6 +8,7 @@
 #include "editor_folder.h"
 #include "event_loop.h"
 #include "phone_user.h"
+#include "phone_window.h"
 #include "private_desktop.h"
 #include "program.h"
 #include "report.h"
@@ -39,6 +40,7 @@ struct Stage {
     ScreenProbe& screen;
     SelectionProbe& selections;
     Program& program;
+    PhoneWindow& phoneWindow;
     PhoneUser& user;
     /// The stand-in for an editing application.
     EditorFolder& editor;
@@ -71,9 +73,21 @@ void typeTheLetter(Stage& stage);
 void selectAndCopy(Stage& stage);
 void loseTheLinkInADrag(Stage& stage);
 void scrollThroughTheLetter(Stage& stage);
+void useThePhonesWindow(Stage& stage);
 void controlTheEditor(Stage& stage);
 /// A part of that chapter: the editor is in front and stands.
 void hearTheClips(Stage& stage);
+/// The same: what is done in the phone's window reaches the editor.
+void mixInThePhonesWindow(Stage& stage);
+/// Everything on the screen at once while the editor plays, which the picture shows.
+void showEverything(Stage& stage, const std::string& picture);
 void restartTheEditor(Stage& stage);
+
+// Without the story
+void openTheEditorToPlay(Stage& stage);
+/// Everything is open and connected.
+void setTheStage(Stage& stage);
+/// Tells the person what to do, and ends the loop when the phone's window is closed.
+void letPlay(Stage& stage);
 
 }  // namespace orbinex::demo

@@ -20,6 +20,7 @@ constexpr double fps = 24;
 constexpr std::int64_t start = 86'400;
 /// What its window is filled with.
 constexpr std::uint32_t windowColour = 0x20242c;
+constexpr int shortestRun = 100;
 constexpr auto windowLimit = 6s;
 /// As a person steps: each step is reported before the next.
 constexpr auto stepPace = 150ms;
@@ -92,7 +93,7 @@ std::string joined(const std::vector<std::string>& lines) {
 void bringToTheFront(Stage& stage) {
     std::optional<Box> window;
     const auto isShown = [&] {
-        window = stage.screen.find(windowColour);
+        window = stage.screen.find(windowColour, shortestRun);
         return window && window->width > 600 && window->height > 200;
     };
     const bool isFound = stage.loop.waitUntil(isShown, windowLimit);
@@ -202,6 +203,8 @@ void controlTheEditor(Stage& stage) {
     stage.report.chapter("The phone is its mixer and its colour panel");
     useThePanels(stage);
     moveTheMaster(stage);
+    stage.report.chapter("The mixer in the phone's window");
+    mixInThePhonesWindow(stage);
 }
 
 void restartTheEditor(Stage& stage) {
@@ -217,6 +220,13 @@ void restartTheEditor(Stage& stage) {
     stage.expect("it is back, and so is what waited for it", R"(timeline:SetTrackEnable("audio", 1, false))",
                  [&] { return joined(stage.editor.calls()); });
     stage.expect("the transport again", "01:00:02:00, 0X", [&] { return transport(stage); });
+}
+
+void openTheEditorToPlay(Stage& stage) {
+    stage.editor.open(session(stage.clips));
+    stage.editor.seek(beginning);
+    stage.desktop.startEditingApplication(stage.editor.path().string(), fps);
+    bringToTheFront(stage);
 }
 
 }  // namespace orbinex::demo

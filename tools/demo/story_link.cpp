@@ -1,8 +1,10 @@
 // The phone comes near, is trusted and connects; later it goes out of range in the middle of a drag.
 
+#include <QQuickWindow>
 #include <algorithm>
 #include <variant>
 
+#include "hand/hand.h"
 #include "stage.h"
 
 namespace orbinex::demo {
@@ -47,13 +49,20 @@ void meetThePhone(Stage& stage) {
     stage.expect("found, not trusted yet", "Studio iPhone",
                  [&] { return namesOf(link.untrustedNearbyDevices()); });
     stage.expect("link before anybody clicks Connect", "searching", [&] { return phaseName(*link.phase); });
-    link.connectNearbyDevice(phone.identifier());
+    Scene& scene = *stage.program.face().scene();
+    Hand hand(*scene.mainWindow());
+    stage.expect("the main window offers it", "Studio iPhone",
+                 [&] { return hand.text("nearbyPhone0/name").toStdString(); });
+    hand.click("nearbyPhone0/trust");
     stage.expect("link after Trust & Connect", "connected", [&] { return phaseName(*link.phase); });
     stage.expect("trusted from now on", "Studio iPhone A1B2C3", [&] {
         const auto& devices = *stage.program.trustStore().devices;
         return devices.size() == 1 ? devices[0].name + " " + devices[0].token : std::string("nobody");
     });
     stage.expect("the phone was greeted by", Program::computerName, [&] { return greeting(phone); });
+    stage.expect("the main window", "Connected to Studio iPhone",
+                 [&] { return hand.text("connectionTitle").toStdString(); });
+    scene.mainWindow()->close();
 }
 
 void loseTheLinkInADrag(Stage& stage) {

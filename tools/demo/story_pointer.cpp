@@ -64,12 +64,20 @@ void moveAndClick(Stage& stage) {
                      const auto at = stage.screen.pointer();
                      return std::to_string(at.x) + ", " + std::to_string(at.y);
                  });
+    auto& face = stage.program.face();
+    const QPoint icon = face.trayIcon().geometry().center();
+    stage.pointAt({icon.x(), icon.y()});
+    stage.user.tap(1);
+    stage.expectThat("a tap on the tray icon", "opens the panel",
+                     [&] { return face.scene() && face.scene()->isPanelVisible(); });
+    stage.expect("active window", "orbinex_demo", [&] { return stage.screen.activeWindow(); });
 
     const auto paper = stage.screen.find(paperColour).value_or(screen);
     stage.pointAt({paper.x + paper.width / 2, paper.y + paper.height / 2});
-    stage.expect("active window before the click", "none", [&] { return stage.screen.activeWindow(); });
     stage.user.tap(1);
-    stage.expect("active window after it", "Mousepad", [&] { return stage.screen.activeWindow(); });
+    stage.expect("active window after a tap on the letter", "Mousepad",
+                 [&] { return stage.screen.activeWindow(); });
+    stage.expectThat("the panel", "has closed", [&] { return !face.scene()->isPanelVisible(); });
     stage.expectThat("caret", "is in the text", [&] { return stage.screen.find(caretColour).has_value(); });
 
     stage.user.tap(1, MouseButton::right);
