@@ -28,10 +28,12 @@ class BridgeWorld {
     BridgeWorld() { start(); }
 
     /// Creates the bridge, as at the program's start; the one before has ended.
-    void start() {
+    void start() { start(midi); }
+    /// With other MIDI endpoints, which the bridge must not outlive.
+    void start(MIDIEndpoints& endpoints) {
         daemon.reset();
         daemon = std::make_unique<AppWatcherDaemon>(
-            AppWatcherDaemon::Ports{queue, workspace, host, commandFile, volume, clips, midi});
+            AppWatcherDaemon::Ports{queue, workspace, host, commandFile, volume, clips, endpoints});
         daemon->onActiveAppChanged = [this](const std::string& bundleID) { activeApps.push_back(bundleID); };
         daemon->onTelemetryChanged = [this](const SessionTelemetry& telemetry) { told.push_back(telemetry); };
         daemon->onDAWPacketReady = [this](ByteView message) {

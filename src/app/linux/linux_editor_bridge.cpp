@@ -11,7 +11,8 @@ LinuxEditorBridge::Places LinuxEditorBridge::usualPlaces() {
     return {.display = {},
             .scriptHost = scriptHostPathOnLinux,
             .commandFile = commandQueueFilePath(::getuid()),
-            .soundServer = {}};
+            .soundServer = {},
+            .midi = SystemMIDIEndpoints::usualPlan()};
 }
 
 }  // namespace orbinex

@@ -28,6 +28,8 @@ class LinuxEditorBridge {
         std::string commandFile;
         /// Address of the sound server; empty: the session's.
         std::string soundServer;
+        /// Where the MIDI surface may be.
+        MIDIKeeper::Plan midi = SystemMIDIEndpoints::usualPlan();
     };
 
     LinuxEditorBridge(MainQueue& queue, const Places& places)
@@ -37,7 +39,7 @@ class LinuxEditorBridge {
           volume_(queue, places.soundServer),
           clips_(std::make_shared<LinuxClipMedia>(openCodec, mediaThreads_.workers()),
                  mediaThreads_.workers()),
-          midi_(queue),
+          midi_(queue, places.midi),
           daemon_({queue, workspace_, scriptHost_, commandFile_, volume_, clips_, midi_}) {}
 
     AppWatcherDaemon& daemon() { return daemon_; }

@@ -32,6 +32,8 @@ class SystemMIDIEndpoints final : public MIDIEndpoints {
     void stop() override;
 
     static MIDIKeeper::Plan usualPlan();
+    /// For what has a JACK server of its own, on a computer whose sequencer others use.
+    static MIDIKeeper::Plan jackPlan();
 
   private:
     void noteChange();

@@ -1,0 +1,106 @@
+#include "support/private_jack_server.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <stdexcept>
+#include <system_error>
+
+#include <fcntl.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace orbinex::test {
+
+namespace {
+
+void beSilent() {
+    const int null = ::open("/dev/null", O_RDWR);
+    ::dup2(null, STDIN_FILENO);
+    ::dup2(null, STDOUT_FILENO);
+    ::dup2(null, STDERR_FILENO);
+}
+
+[[noreturn]] void becomeServer(const std::string& name) {
+    // A test that crashes must not leave its server behind.
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    beSilent();
+    // Each period waits for the clients (-S), for as long as a busy computer needs (-t, milliseconds):
+    // without the scheduling of a realtime kernel they would be late now and then, and messages lost.
+    ::execlp("jackd", "jackd", "-r", "-S", "-t", "5000", "-n", name.c_str(), "-d", "dummy", "-r", "48000",
+             "-p", "256", static_cast<char*>(nullptr));
+    ::_exit(127);
+}
+
+}  // namespace
+
+PrivateJackServer::PrivateJackServer() : name_("orbinex-test-" + std::to_string(::getpid())) {
+    ::setenv("JACK_DEFAULT_SERVER", name_.c_str(), 1);
+    ::setenv("JACK_NO_START_SERVER", "1", 1);
+}
+
+PrivateJackServer::~PrivateJackServer() {
+    stop();
+}
+
+void PrivateJackServer::start() {
+    pid_ = ::fork();
+    if (pid_ == 0) becomeServer(name_);
+    constexpr int pollMicroseconds = 10'000;
+    for (int left = 2000; left > 0; --left) {
+        if (isAccepting()) return;
+        if (::waitpid(pid_, nullptr, WNOHANG) == pid_) break;
+        ::usleep(pollMicroseconds);
+    }
+    throw std::runtime_error("jackd cannot be started");
+}
+
+bool PrivateJackServer::isAccepting() const {
+    const pid_t client = ::fork();
+    if (client == 0) {
+        beSilent();
+        ::execlp("jack_lsp", "jack_lsp", "-s", name_.c_str(), static_cast<char*>(nullptr));
+        ::_exit(127);
+    }
+    int status = -1;
+    ::waitpid(client, &status, 0);
+    return status == 0;
+}
+
+void PrivateJackServer::suspend() const {
+    if (pid_ > 0) ::kill(pid_, SIGSTOP);
+}
+
+void PrivateJackServer::stop() {
+    if (pid_ > 0 && !endsWith(SIGTERM)) kill();
+    removeFiles();
+}
+
+void PrivateJackServer::kill() {
+    if (pid_ > 0) endsWith(SIGKILL);
+    removeFiles();
+}
+
+bool PrivateJackServer::endsWith(int signal) {
+    ::kill(pid_, signal);
+    constexpr int pollMicroseconds = 1'000;
+    for (int left = 10'000; left > 0; --left) {
+        if (::waitpid(pid_, nullptr, WNOHANG) == pid_) {
+            pid_ = -1;
+            return true;
+        }
+        ::usleep(pollMicroseconds);
+    }
+    return false;
+}
+
+void PrivateJackServer::removeFiles() const {
+    std::error_code ignored;
+    for (const auto& entry : std::filesystem::directory_iterator("/dev/shm", ignored)) {
+        if (entry.path().filename().string().find(name_ + "_") != std::string::npos)
+            std::filesystem::remove(entry.path(), ignored);
+    }
+}
+
+}  // namespace orbinex::test
