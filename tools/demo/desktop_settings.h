@@ -23,7 +23,7 @@ struct WindowPlaces {
     int deskLeft;
 };
 /// A screen of 1720 by 1000 has room for the phone beside the rest.
-inline constexpr WindowPlaces unseenPlaces{{480, 84}, {480, 84}, {24, 28}, 470};
+inline constexpr WindowPlaces unseenPlaces{{480, 84}, {480, 28}, {24, 28}, 470};
 /// On 1280 by 800 the phone has no place, as it is not there.
 inline constexpr WindowPlaces nestedPlaces{{120, 84}, {24, 24}, {0, 0}, 0};
 

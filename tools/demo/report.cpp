@@ -60,8 +60,8 @@ void Report::step(std::string_view name, std::string_view expected, std::string_
 }
 
 void Report::summary(std::string_view picture) {
-    print("\ndemo: " + std::to_string(passed_) + " steps passed, " + std::to_string(failed_) + " failed");
-    if (!picture.empty()) print("picture: " + std::string(picture));
+    print("\npicture: " + std::string(picture));
+    print("demo: " + std::to_string(passed_) + " steps passed, " + std::to_string(failed_) + " failed");
 }
 
 }  // namespace orbinex::demo

@@ -15,6 +15,7 @@ class Report {
     void shows(std::string_view picture);
     /// A step has passed when what was read back is what was expected.
     void step(std::string_view name, std::string_view expected, std::string_view readBack);
+    /// The last lines: where the picture is, and the count.
     void summary(std::string_view picture);
 
     [[nodiscard]] int failures() const { return failed_; }

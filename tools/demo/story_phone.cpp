@@ -5,6 +5,7 @@
 #include <chrono>
 
 #include "base/numbers.h"
+#include "editor_bridge/timecode.h"
 #include "hand/hand.h"
 #include "stage.h"
 
@@ -19,7 +20,12 @@ constexpr auto windowLimit = 10s;
 constexpr auto watchInterval = 100ms;
 constexpr int wheelClicks = 20;
 /// In which the meters have risen, and every window has shown what it was last told.
-constexpr auto sceneTime = 1500ms;
+constexpr auto sceneTime = 1s;
+/// Of the timeline, in frames a second.
+constexpr double sceneRate = 24;
+constexpr auto voiceLimit = 4s;
+/// As high as the phone.
+constexpr QSize mainWindowSize(860, 904);
 
 std::string lastCall(const Stage& stage) {
     const auto calls = stage.editor.calls();
@@ -30,6 +36,12 @@ const DAWTrackState* trackOfModel(const Stage& stage, std::int64_t index) {
     const auto& tracks = stage.program.bridge().dawSnapshot->tracks;
     const auto found = std::ranges::find(tracks, index, &DAWTrackState::index);
     return found == tracks.end() ? nullptr : &*found;
+}
+
+bool isHeard(const Stage& stage, std::int64_t index) {
+    const auto& meters = stage.program.bridge().latestMeterPacket->channelMeters;
+    const auto found = std::ranges::find(meters, index, &TrackChannelMeter::trackIndex);
+    return found != meters.end() && found->peakDBFS > -24;
 }
 
 }  // namespace
@@ -85,20 +97,24 @@ void mixInThePhonesWindow(Stage& stage) {
     window.click("strip3/mute");
     stage.expect("mute on Effects", R"(timeline:SetTrackEnable("audio", 3, false))",
                  [&] { return lastCall(stage); });
-    window.click("strip3/mute");
-    stage.expect("and off", R"(timeline:SetTrackEnable("audio", 3, true))", [&] { return lastCall(stage); });
-    stage.user.control("VOL|3|0");
+    for (const char* const command : {"MUTE|3|0", "VOL|3|0"}) stage.user.control(command);
 }
 
 void showEverything(Stage& stage, const std::string& picture) {
     stage.report.chapter("All of it side by side");
     auto& window = stage.phoneWindow;
     auto& face = stage.program.face();
+    // Only the program and the phone are to be seen.
     stage.desktop.quitEditor();
-    stage.user.control("TC|01:00:10:12");
+    for (const char* const command : {"MUTE|2|0", "SOLO|2|0", "PAGE|Fairlight", "SEL|1", "TC|01:00:10:12"})
+        stage.user.control(command);
+    stage.expect("the editor, as the phone asked", "01:00:10:12",
+                 [&] { return framesToTimecode(stage.editor.frame(sceneRate), false, sceneRate); });
     window.click("play");
-    stage.expect("the phone's play button", "1X", [&] { return window.text("speed"); });
+    stage.expectThat("the phone's play button", "plays",
+                     [&] { return window.text("speed") == "1X" && window.text("timecode") > "01:00:10:20"; });
     face.openMainWindow();
+    face.scene()->mainWindow()->resize(mainWindowSize);
     stage.expectThat("the main window", "is open", [&] {
         return face.scene() && face.scene()->isMainWindowVisible() && face.scene()->mainWindow()->isExposed();
     });
@@ -110,6 +126,10 @@ void showEverything(Stage& stage, const std::string& picture) {
     stage.expect("the panel", "Connected to Studio iPhone",
                  [&] { return Hand(*face.scene()->panel()).text("statusLine").toStdString(); });
     stage.loop.linger(sceneTime);
+    // Between two sentences the voice is silent.
+    stage.loop.waitUntil([&] { return isHeard(stage, 1); }, voiceLimit);
+    // A finger is on the trackpad.
+    for (int step = 0; step < 12; ++step) stage.user.move(-6, 4);
     const bool isTaken = stage.desktop.takePicture(picture);
     stage.report.step("picture of the desktop", "taken", isTaken ? "taken" : "not taken");
     stage.user.strike(Key::escape);

@@ -1,5 +1,5 @@
-// Leaves a picture of every phase of the panel, of the main window in every state that looks different, and
-// of a message: pictures FOLDER. QT_SCALE_FACTOR is the scale.
+// Leaves a picture of every phase of the panel, of the main window in every state that looks different and of
+// each of its sections, and of messages: pictures FOLDER. QT_SCALE_FACTOR is the scale.
 
 #include <QDir>
 #include <cstdio>
@@ -17,7 +17,7 @@ class Pictures {
 
     void take(QQuickWindow& window, const QString& name) {
         Hand(window).settle();
-        window.grabWindow().save(folder_ + "/" + name + ".png");
+        save(window.grabWindow(), name);
     }
     /// The whole page, however tall.
     void takePage(FacedProgram& program, const QString& name, int width = 860) {
@@ -30,7 +30,30 @@ class Pictures {
         take(window, name);
     }
 
+    /// A part of the page with a little of what is around it.
+    void takePart(FacedProgram& program, const QString& item) {
+        QQuickWindow& window = program.window();
+        window.resize(860, 720);
+        Hand hand(window);
+        window.resize(860, hand.property("scroller", "contentHeight").toInt());
+        hand.settle();
+        const QQuickItem* const part = findItem(window.contentItem(), item);
+        if (!part) return qWarning("there is no %s", qUtf8Printable(item));
+        constexpr double around = 12;
+        const double scale = window.effectiveDevicePixelRatio();
+        const QRectF place =
+            part->mapRectToScene(part->boundingRect()).adjusted(-around, -around, around, around);
+        save(window.grabWindow().copy(QRectF(place.topLeft() * scale, place.size() * scale).toRect()),
+             "section-" + item);
+    }
+    [[nodiscard]] int count() const { return count_; }
+
   private:
+    void save(const QImage& image, const QString& name) {
+        if (image.save(folder_ + "/" + name + ".png")) ++count_;
+    }
+
+    int count_ = 0;
     QString folder_;
 };
 
@@ -105,6 +128,17 @@ void messages(Pictures& pictures) {
     pictures.take(program.window(), "main-focus");
 }
 
+/// Each of the window's sections by itself.
+void sections(Pictures& pictures) {
+    FacedProgram program({}, false);
+    program.trust("Studio iPhone", 2 * 86'400s);
+    program.addPhone("Ada's iPhone");
+    program.advance(2s);
+    for (const char* const section : {"header", "connectionCard", "setUpGuide", "inputControlCard",
+                                      "myPhones", "nearbyPhones", "permissions", "general", "footer"})
+        pictures.takePart(program, section);
+}
+
 }  // namespace
 }  // namespace orbinex
 
@@ -118,4 +152,6 @@ int main(int argc, char** argv) {
     orbinex::firstStart(pictures);
     orbinex::crowded(pictures);
     orbinex::messages(pictures);
+    orbinex::sections(pictures);
+    std::printf("pictures: %d in %s\n", pictures.count(), argv[1]);
 }

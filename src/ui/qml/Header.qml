@@ -1,6 +1,7 @@
 import QtQuick
 
 Line {
+    objectName: "header"
     leading: Symbol {
         name: "computermouse.fill"
         color: Theme.accent

@@ -36,7 +36,7 @@ Window {
             spacing: 3 * Theme.unit
 
             Line {
-                gap: 2.5 * Theme.unit
+                gap: 3.5 * Theme.unit
                 leading: Symbol {
                     name: "computermouse.fill"
                     color: Theme.accent

@@ -21,7 +21,8 @@ T.Button {
     HoverHandler { cursorShape: Qt.PointingHandCursor }
 
     contentItem: Row {
-        spacing: 3 * Theme.unit
+        // The text stands where the names of iPhones do.
+        spacing: 3.5 * Theme.unit
         Symbol {
             anchors.verticalCenter: parent.verticalCenter
             name: command.symbol
