@@ -29,6 +29,7 @@
 #include "app/product_version.h"
 #include "app/terminal_console.h"
 #include "app/terminal_prompt.h"
+#include "app/terminal_report.h"
 #include "app/terminal_text.h"
 #include "app/two_prompts.h"
 #include "app/x11/x11_input_permission.h"
@@ -105,6 +106,97 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv, bool h
     return std::make_unique<QApplication>(argc, argv);
 }
 
+/// Its parts, each made of those before it.
+class Program {
+  public:
+    Program(X11Connection& display, SingleInstance& instance, const Options& options)
+        : display_(display),
+          instance_(instance),
+          scrollDevice_(openScrollDevice()),
+          poster_(display, queue_,
+                  {.commandKey = preferences_.commandKey(), .scrollSink = scrollDevice_.get()}),
+          layouts_(display, queue_),
+          displayEvents_(display.fd(), [this] { handleDisplay(); }),
+          central_(bus_.connection(), {queue_, defaults_, prompts_, wake_, options.adapter}),
+          editors_(queue_, options.places),
+          shell_(queue_, instance, quit),
+          inputPermission_(display) {}
+
+    /// Returns when the person, a signal or the display ends it; the exit status.
+    int run(bool isLoginLaunch) {
+        delegate_.willFinishLaunching();
+        delegate_.didFinishLaunching(isLoginLaunch);
+        instance_.serve(queue_, [this](const std::string&) { delegate_.handleSecondLaunch(); });
+        const TerminalReport report(coordinator_, say);
+        TerminalConsole console(coordinator_, terminalPrompt_, say, quit);
+        // Where nobody can type any more, a pairing is still asked about in the window.
+        const StandardInput input(
+            queue_, [&](const std::string& line) { console.execute(line); }, [] {});
+        const int result = QCoreApplication::exec();
+        return result != 0 ? result : status_;
+    }
+
+  private:
+    static void quit() { QCoreApplication::quit(); }
+
+    static std::unique_ptr<UinputScroll> openScrollDevice() {
+        std::error_code whyNot;
+        auto device = UinputScroll::open(whyNot);
+        if (!device)
+            std::fprintf(stderr,
+                         "orbinex: scrolling by whole wheel clicks, as /dev/uinput cannot be used: %s.\n",
+                         whyNot.message().c_str());
+        return device;
+    }
+
+    void handleDisplay() {
+        display_.processEvents();
+        if (display_.isAlive()) return;
+        std::fprintf(stderr, "orbinex: the X display is gone.\n");
+        status_ = 1;
+        QCoreApplication::exit(status_);
+    }
+
+    X11Connection& display_;
+    SingleInstance& instance_;
+    int status_ = 0;
+    QtMainQueue queue_;
+    const UnixSignals signals_{[this](int) { QCoreApplication::exit(status_); }};
+    SettingsDefaults defaults_;
+    AppPreferences preferences_{defaults_};
+
+    std::unique_ptr<UinputScroll> scrollDevice_;
+    X11EventPoster poster_;
+    X11KeyboardLayoutSource layouts_;
+    const FdWatch displayEvents_;
+
+    TerminalPrompt terminalPrompt_{say};
+    PairingQuestion pairing_;
+    TwoPrompts prompts_{terminalPrompt_, pairing_};
+    const SystemBus bus_;
+    LogindWake wake_{bus_.connection()};
+    BluezCentral central_;
+
+    LinuxEditorBridge editors_;
+    LinuxShell shell_;
+    X11InputPermission inputPermission_;
+    DesktopPresence presence_;
+    AppCoordinator coordinator_{
+        preferences_,
+        {queue_,
+         defaults_,
+         central_,
+         wake_,
+         poster_,
+         layouts_,
+         editors_.daemon(),
+         computerName,
+         {inputPermission_, shell_.loginItem(), shell_.urls(), presence_.activation()}}};
+    AppRelocationManager relocation_{queue_, defaults_, shell_.bundle()};
+    Interface face_{{queue_, coordinator_, relocation_, pairing_, shell_.urls(), presence_, quit}};
+    AppDelegate delegate_{preferences_, relocation_, [this] { face_.openMainWindow(); }};
+};
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -118,81 +210,10 @@ int main(int argc, char** argv) {
     const Options options = parse(*application);
     SingleInstance instance(privateRuntimeFolder(variable("XDG_RUNTIME_DIR")));
     if (const auto end = endOfLaterStart(instance, startupToken)) return *end;
-    QtMainQueue queue;
-    int status = 0;
-    const UnixSignals signals([&](int) { QCoreApplication::exit(status); });
-
     if (!display) {
         std::fprintf(stderr,
                      "orbinex: no X display. Start it in a graphical session, or set DISPLAY to one.\n");
         return 1;
     }
-    SettingsDefaults defaults;
-    AppPreferences preferences(defaults);
-    std::error_code whyNoDevice;
-    const auto scrollDevice = UinputScroll::open(whyNoDevice);
-    if (!scrollDevice)
-        std::fprintf(stderr, "orbinex: scrolling by whole wheel clicks, as /dev/uinput cannot be used: %s.\n",
-                     whyNoDevice.message().c_str());
-    X11EventPoster poster(*display, queue,
-                          {.commandKey = preferences.commandKey(), .scrollSink = scrollDevice.get()});
-    X11KeyboardLayoutSource layouts(*display, queue);
-    const FdWatch displayEvents(display->fd(), [&] {
-        display->processEvents();
-        if (display->isAlive()) return;
-        std::fprintf(stderr, "orbinex: the X display is gone.\n");
-        status = 1;
-        QCoreApplication::exit(status);
-    });
-    TerminalPrompt terminalPrompt(say);
-    PairingQuestion pairing;
-    TwoPrompts prompts(terminalPrompt, pairing);
-    const SystemBus bus;
-    LogindWake wake(bus.connection());
-    BluezCentral central(bus.connection(), {queue, defaults, prompts, wake, options.adapter});
-    LinuxEditorBridge editors(queue, options.places);
-
-    LinuxShell shell(queue, instance, [] { QCoreApplication::quit(); });
-    X11InputPermission inputPermission(*display);
-    DesktopPresence presence;
-    AppCoordinator coordinator(preferences,
-                               {queue,
-                                defaults,
-                                central,
-                                wake,
-                                poster,
-                                layouts,
-                                editors.daemon(),
-                                computerName,
-                                {inputPermission, shell.loginItem(), shell.urls(), presence.activation()}});
-    AppRelocationManager relocation(queue, defaults, shell.bundle());
-
-    Interface face(
-        {queue, coordinator, relocation, pairing, shell.urls(), presence, [] { QCoreApplication::quit(); }});
-
-    AppDelegate delegate(preferences, relocation, [&] { face.openMainWindow(); });
-    delegate.willFinishLaunching();
-    delegate.didFinishLaunching(options.isLoginLaunch);
-    instance.serve(queue, [&](const std::string&) { delegate.handleSecondLaunch(); });
-
-    std::string shown = *coordinator.centralManager.statusMessage;
-    say(shown);
-    const auto lines = coordinator.centralManager.statusMessage.onDidChange([&](const std::string& line) {
-        if (std::exchange(shown, line) != line) say(line);
-    });
-    const auto alerts =
-        coordinator.centralManager.alert.onDidChange([](const std::optional<BLEAlert>& alert) {
-            if (alert) say(alert->title + ": " + alert->message);
-        });
-    const auto sayMissing = [](const std::string& line) {
-        if (!line.empty()) say(line);
-    };
-    sayMissing(*coordinator.accessibilityManager.explanation);
-    const auto missing = coordinator.accessibilityManager.explanation.onDidChange(sayMissing);
-    TerminalConsole console(coordinator, terminalPrompt, say, [] { QCoreApplication::quit(); });
-    // Where nobody can type any more, a pairing is still asked about in the window.
-    const StandardInput input(
-        queue, [&](const std::string& line) { console.execute(line); }, [] {});
-    const int result = QCoreApplication::exec();
-    return result != 0 ? result : status;
+    return Program(*display, instance, options).run(options.isLoginLaunch);
 }
