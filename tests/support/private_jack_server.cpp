@@ -23,8 +23,8 @@ void beSilent() {
 }
 
 [[noreturn]] void becomeServer(const std::string& name) {
-    // A test that crashes must not leave its server behind.
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    // A test that crashes must not leave its server behind, nor the server its name.
+    ::prctl(PR_SET_PDEATHSIG, SIGTERM);
     beSilent();
     // Each period waits for the clients (-S), for as long as a busy computer needs (-t, milliseconds):
     // without the scheduling of a realtime kernel they would be late now and then, and messages lost.
@@ -42,6 +42,7 @@ PrivateJackServer::PrivateJackServer() : name_("orbinex-test-" + std::to_string(
 
 PrivateJackServer::~PrivateJackServer() {
     stop();
+    if (wasKilled_) giveBackName();
 }
 
 void PrivateJackServer::start() {
@@ -73,13 +74,25 @@ void PrivateJackServer::suspend() const {
 }
 
 void PrivateJackServer::stop() {
-    if (pid_ > 0 && !endsWith(SIGTERM)) kill();
+    if (pid_ > 0) {
+        wasKilled_ = false;
+        if (!endsWith(SIGTERM)) kill();
+    }
     removeFiles();
 }
 
 void PrivateJackServer::kill() {
-    if (pid_ > 0) endsWith(SIGKILL);
+    if (pid_ > 0) wasKilled_ = endsWith(SIGKILL);
     removeFiles();
+}
+
+void PrivateJackServer::giveBackName() {
+    try {
+        start();
+        stop();
+    } catch (const std::runtime_error&) {
+        removeFiles();
+    }
 }
 
 bool PrivateJackServer::endsWith(int signal) {

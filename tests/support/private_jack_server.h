@@ -29,10 +29,14 @@ class PrivateJackServer {
   private:
     bool endsWith(int signal);
     void removeFiles() const;
+    /// JACK has room for eight names of servers on a computer and keeps that of one that was killed, until a
+    /// server of the same name has ended by itself.
+    void giveBackName();
     [[nodiscard]] bool isAccepting() const;
 
     std::string name_;
     pid_t pid_ = -1;
+    bool wasKilled_ = false;
 };
 
 }  // namespace orbinex::test
