@@ -10,44 +10,53 @@
 
 namespace orbinex {
 
-/// What a workstation has said of its faders and the main thread has not taken yet: of each fader the last
-/// word, in the order of the last words. So a workstation that talks faster than we listen takes no memory,
-/// and what is heard is never older than what was heard before. Any thread.
+/// What a workstation has said of its faders and the main thread has not taken yet, in order. A workstation
+/// that talks faster than we listen takes no memory: when there is no more room, what is left is the last
+/// word of each fader, in the order of the last words. Any thread.
 class FaderReports {
   public:
-    using List = std::array<FaderFeedback, masterFaderChannel + 1>;
+    /// More than a workstation says between two turns of the main thread that are not late.
+    static constexpr std::size_t capacity = 1024;
 
     /// True for the first since the last take(): now somebody has to come and take.
     bool put(const FaderFeedback& report) {
         const std::scoped_lock lock(mutex_);
-        const auto end = reports_.begin() + size_;
-        const auto isSameFader = [&](const FaderFeedback& other) {
-            return other.trackIndex == report.trackIndex;
-        };
-        const auto kept = std::remove_if(reports_.begin(), end, isSameFader);
-        const bool isFirst = size_ == 0;
-        size_ = kept - reports_.begin();
-        reports_[static_cast<std::size_t>(size_++)] = report;
-        return isFirst;
+        if (size_ == capacity) keepLastWords();
+        reports_[size_] = report;
+        return size_++ == 0;
     }
 
     /// Calls `each` with every report; from within it, more may be put.
     template <class Each>
     void take(Each each) {
         List taken;
-        std::ptrdiff_t count = 0;
+        std::size_t count = 0;
         {
             const std::scoped_lock lock(mutex_);
-            taken = reports_;
             count = std::exchange(size_, 0);
+            std::copy_n(reports_.begin(), count, taken.begin());
         }
         std::for_each_n(taken.begin(), count, each);
     }
 
   private:
+    using List = std::array<FaderFeedback, capacity>;
+
+    void keepLastWords() {
+        std::array<bool, masterFaderChannel + 1> isKept{};
+        auto first = reports_.end();
+        for (auto report = reports_.end(); report != reports_.begin();) {
+            --report;
+            if (!std::exchange(isKept.at(static_cast<std::size_t>(report->trackIndex)), true))
+                *--first = *report;
+        }
+        size_ = static_cast<std::size_t>(reports_.end() - first);
+        std::copy(first, reports_.end(), reports_.begin());
+    }
+
     std::mutex mutex_;
     List reports_{};
-    std::ptrdiff_t size_ = 0;
+    std::size_t size_ = 0;
 };
 
 }  // namespace orbinex

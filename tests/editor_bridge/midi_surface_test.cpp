@@ -11,11 +11,13 @@
 #include <gtest/gtest.h>
 
 #include "bridge_world.h"
+#include "editor_bridge/fader_reports.h"
 #include "support/allocation_counter.h"
 
 namespace orbinex {
 namespace {
 
+using ::testing::EndsWith;
 using ::testing::IsEmpty;
 using Messages = std::vector<MIDIMessage>;
 
@@ -157,9 +159,15 @@ TEST(MIDISurface, leavesResolvesTracksToItsScript) {
     EXPECT_EQ(world.packetKinds(), "");
 }
 
-TEST(MIDISurface, keepsOnlyTheLastWordOfAFaderWhileNobodyListens) {
+TEST(MIDISurface, takesEveryReportInOrderAndOfAFloodTheLastOnes) {
     BridgeWorld world;
     world.workspace.activate(logic);
+    world.forget();
+    for (const int channel : {0, 0, 8, 2, 0})
+        world.midi.inject({static_cast<std::uint8_t>(0xE0 + channel), 0, 0x10});
+    world.queue.runDue();
+    EXPECT_EQ(world.packetKinds(), "T1 T1 T0 T3 T1");
+
     world.forget();
     const auto allocations = test::allocationsDuring([&] {
         for (int i = 0; i < 100'000; ++i) {
@@ -171,12 +179,27 @@ TEST(MIDISurface, keepsOnlyTheLastWordOfAFaderWhileNobodyListens) {
     world.midi.inject({0xE2, 0x7F, 0x7F});
     world.midi.inject({0xE0, 0x6A, 0x63});
     world.queue.runDue();
-    EXPECT_EQ(world.packetKinds(), "T2 T0 T3 T1") << "in the order of the last words";
+    EXPECT_LE(world.packets.size(), FaderReports::capacity);
+    EXPECT_THAT(world.packetKinds(), EndsWith(" T3 T1"));
     EXPECT_EQ(world.session().tracks[2].volumeDB, 12);
     EXPECT_EQ(world.session().tracks[0].volumeDB, 0);
     world.forget();
     world.feedback({0xE0, 0x00, 0x00});
     EXPECT_EQ(world.packetKinds(), "T1") << "and the next is heard again";
+}
+
+TEST(FaderReports, keepTheLastWordOfEachFaderWhenThereIsNoMoreRoom) {
+    FaderReports reports;
+    EXPECT_TRUE(reports.put({.trackIndex = 7, .dB = -1}));
+    EXPECT_FALSE(reports.put({.trackIndex = 3, .dB = -2}));
+    for (std::size_t i = 2; i < FaderReports::capacity; ++i)
+        reports.put({.trackIndex = 5, .dB = static_cast<double>(i)});
+    reports.put({.trackIndex = 3, .dB = -4});
+    std::vector<FaderFeedback> taken;
+    reports.take([&](const FaderFeedback& report) { taken.push_back(report); });
+    EXPECT_EQ(taken,
+              (std::vector<FaderFeedback>{{7, -1}, {3, -2}, {5, FaderReports::capacity - 1.0}, {3, -4}}));
+    EXPECT_TRUE(reports.put({.trackIndex = 5, .dB = 0}));
 }
 
 TEST(MIDISurface, tellsWhetherItIsThereWheneverThatChanges) {
