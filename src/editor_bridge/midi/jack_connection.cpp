@@ -4,10 +4,29 @@
 #include <cstdint>
 
 #include <jack/midiport.h>
+#include <pthread.h>
 
 #include "editor_bridge/midi_surface_names.h"
 
 namespace orbinex {
+
+namespace {
+
+/// The library cancels its threads wherever they are when a client is closed, also in the midst of what it
+/// has called us for. That waits while one of these lives.
+class Uncancelled {
+  public:
+    Uncancelled() { ::pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &before_); }
+    Uncancelled(const Uncancelled&) = delete;
+    Uncancelled& operator=(const Uncancelled&) = delete;
+    // It is here that a cancelled thread ends, by an exception of a kind.
+    ~Uncancelled() noexcept(false) { ::pthread_setcancelstate(before_, nullptr); }
+
+  private:
+    int before_ = 0;
+};
+
+}  // namespace
 
 std::unique_ptr<MIDIConnection> JackConnection::open(MIDIListener& listener) {
     // Without a server, which is no error here, the library would complain at every attempt.
@@ -26,10 +45,16 @@ bool JackConnection::connect() {
     client_ = jack_client_open(MIDISurfaceNames::client, JackNoStartServer, nullptr);
     if (!client_) return false;
     jack_on_shutdown(
-        client_, [](void* self) { static_cast<JackConnection*>(self)->listener_.lost(); }, this);
+        client_,
+        [](void* self) {
+            const Uncancelled untilDone;
+            static_cast<JackConnection*>(self)->listener_.lost();
+        },
+        this);
     jack_set_process_callback(
         client_,
         [](jack_nframes_t frames, void* self) {
+            const Uncancelled untilDone;
             static_cast<JackConnection*>(self)->process(frames);
             return 0;
         },
