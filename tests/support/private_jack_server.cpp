@@ -5,8 +5,10 @@
 #include <filesystem>
 #include <stdexcept>
 #include <system_error>
+#include <utility>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -35,14 +37,22 @@ void beSilent() {
 
 }  // namespace
 
-PrivateJackServer::PrivateJackServer() : name_("orbinex-test-" + std::to_string(::getpid())) {
+PrivateJackServer::PrivateJackServer() {
+    constexpr int names = 4;
+    for (int i = 0; i < names && lock_ < 0; ++i) {
+        name_ = "orbinex-test-" + std::to_string(::getuid()) + "-" + std::to_string(i);
+        const auto file = std::filesystem::temp_directory_path() / (name_ + ".lock");
+        lock_ = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+        if (lock_ >= 0 && ::flock(lock_, LOCK_EX | LOCK_NB) != 0) ::close(std::exchange(lock_, -1));
+    }
+    if (lock_ < 0) throw std::runtime_error("no name is free for a JACK server");
     ::setenv("JACK_DEFAULT_SERVER", name_.c_str(), 1);
     ::setenv("JACK_NO_START_SERVER", "1", 1);
 }
 
 PrivateJackServer::~PrivateJackServer() {
     stop();
-    if (wasKilled_) giveBackName();
+    ::close(lock_);
 }
 
 void PrivateJackServer::start() {
@@ -74,25 +84,13 @@ void PrivateJackServer::suspend() const {
 }
 
 void PrivateJackServer::stop() {
-    if (pid_ > 0) {
-        wasKilled_ = false;
-        if (!endsWith(SIGTERM)) kill();
-    }
+    if (pid_ > 0 && !endsWith(SIGTERM)) kill();
     removeFiles();
 }
 
 void PrivateJackServer::kill() {
-    if (pid_ > 0) wasKilled_ = endsWith(SIGKILL);
+    if (pid_ > 0) endsWith(SIGKILL);
     removeFiles();
-}
-
-void PrivateJackServer::giveBackName() {
-    try {
-        start();
-        stop();
-    } catch (const std::runtime_error&) {
-        removeFiles();
-    }
 }
 
 bool PrivateJackServer::endsWith(int signal) {

@@ -6,12 +6,16 @@
 
 namespace orbinex::test {
 
-/// A JACK server of the test's own, without sound cards, named after this process. Every JACK client of this
-/// process and of its children uses it, and none starts another. It ends with this object, or with the
-/// process.
+/// A JACK server of the test's own, without sound cards. Every JACK client of this process and of its
+/// children uses it, and none starts another. It ends with this object, or with the process.
+///
+/// JACK has room for eight names of servers on a computer. It keeps that of one that was killed until a
+/// server of the same name is started: so there are four, each with a lock, and no name is left behind that
+/// is not used again.
 class PrivateJackServer {
   public:
-    /// Sets the environment; does not start it yet.
+    /// Takes a name and sets the environment; does not start it yet. Throws std::runtime_error when no name
+    /// is free.
     PrivateJackServer();
     PrivateJackServer(const PrivateJackServer&) = delete;
     PrivateJackServer& operator=(const PrivateJackServer&) = delete;
@@ -29,14 +33,12 @@ class PrivateJackServer {
   private:
     bool endsWith(int signal);
     void removeFiles() const;
-    /// JACK has room for eight names of servers on a computer and keeps that of one that was killed, until a
-    /// server of the same name has ended by itself.
-    void giveBackName();
     [[nodiscard]] bool isAccepting() const;
 
     std::string name_;
+    /// An open file that is locked.
+    int lock_ = -1;
     pid_t pid_ = -1;
-    bool wasKilled_ = false;
 };
 
 }  // namespace orbinex::test
