@@ -142,7 +142,7 @@ void setTheStage(Stage& stage) {
     phone.setAdvertising(true);
     stage.loop.waitUntil([&] { return !stage.program.link().untrustedNearbyDevices().empty(); }, windowLimit);
     stage.program.link().connectNearbyDevice(phone.identifier());
-    stage.loop.waitUntil([&] { return phone.isConnected(); }, windowLimit);
+    stage.loop.waitUntil([&] { return *stage.program.link().phase == LinkPhase::connected; }, windowLimit);
     openTheEditorToPlay(stage);
 }
 

@@ -26,7 +26,8 @@ Rectangle {
 
         x: 11 * Theme.unit
         width: parent.width - x - 4 * Theme.unit
-        anchors.verticalCenter: parent.verticalCenter
+        height: parent.height
+        verticalAlignment: Text.AlignVCenter
         color: Theme.ink
         font.family: Theme.book
         font.pixelSize: Theme.smallSize
