@@ -10,9 +10,12 @@ namespace orbinex {
 namespace {
 
 /// In the order in which they are looked for.
-constexpr std::array<std::string_view, 5> editors{
+constexpr std::array<std::string_view, 10> editors{
     resolveBundleID, "com.apple.logic10", "com.apple.FinalCut", "com.avid.ProTools", "com.adobe.PremierePro",
-};
+    // Workstations of Linux. The faders of one that is not known, as far as it reports them, would not be
+    // taken for the session's.
+    "org.ardour.Ardour", "com.harrisonaudio.Mixbus", "com.cockos.reaper", "com.bitwig.BitwigStudio",
+    "org.rncbc.qtractor"};
 
 }  // namespace
 

@@ -15,8 +15,8 @@ struct Editor {
 };
 
 /// "logic" alone would be a logic analyser's program.
-const std::array<Editor, 5>& editors() {
-    static const std::array<Editor, 5> table{{
+const std::array<Editor, 10>& editors() {
+    static const std::array<Editor, 10> table{{
         {{"com.blackmagic-design.DaVinciResolve", "DaVinci Resolve"},
          {"resolve", "davinci resolve", "davinciresolve", "davinci-resolve"}},
         {{"com.apple.logic10", "Logic Pro"}, {"logic pro", "logic pro x", "logicpro"}},
@@ -24,6 +24,12 @@ const std::array<Editor, 5>& editors() {
         {{"com.avid.ProTools", "Pro Tools"}, {"pro tools", "protools"}},
         {{"com.adobe.PremierePro", "Adobe Premiere Pro"},
          {"adobe premiere pro", "adobe premiere pro (beta)", "premiere pro"}},
+        {{"org.ardour.Ardour", "Ardour"}, {"ardour"}},
+        {{"com.harrisonaudio.Mixbus", "Mixbus"}, {"mixbus", "mixbus32c"}},
+        {{"com.cockos.reaper", "REAPER"}, {"reaper"}},
+        {{"com.bitwig.BitwigStudio", "Bitwig Studio"},
+         {"com.bitwig.bitwigstudio", "bitwig-studio", "bitwig studio"}},
+        {{"org.rncbc.qtractor", "Qtractor"}, {"qtractor", "org.rncbc.qtractor"}},
     }};
     return table;
 }

@@ -10,7 +10,7 @@
 namespace orbinex::test {
 namespace {
 
-TEST(EditorNames, areThoseOfProgramsAndWindowsOfTheFiveEditors) {
+TEST(EditorNames, areThoseOfProgramsAndWindowsOfTheEditors) {
     const struct {
         const char* name;
         const char* bundleID;
@@ -24,6 +24,11 @@ TEST(EditorNames, areThoseOfProgramsAndWindowsOfTheFiveEditors) {
         {"ProTools.EXE", "com.avid.ProTools", "Pro Tools"},
         {"protools.exe", "com.avid.ProTools", "Pro Tools"},
         {"adobe premiere pro.exe", "com.adobe.PremierePro", "Adobe Premiere Pro"},
+        {"Ardour", "org.ardour.Ardour", "Ardour"},
+        {"Mixbus", "com.harrisonaudio.Mixbus", "Mixbus"},
+        {"REAPER", "com.cockos.reaper", "REAPER"},
+        {"com.bitwig.BitwigStudio", "com.bitwig.BitwigStudio", "Bitwig Studio"},
+        {"qtractor", "org.rncbc.qtractor", "Qtractor"},
     };
     for (const auto& row : rows) {
         const auto* editor = editorNamed(row.name);
