@@ -10,6 +10,8 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -68,15 +70,17 @@ void PrivateJackServer::start() {
 }
 
 bool PrivateJackServer::isAccepting() const {
-    const pid_t client = ::fork();
-    if (client == 0) {
-        beSilent();
-        ::execlp("jack_lsp", "jack_lsp", "-s", name_.c_str(), static_cast<char*>(nullptr));
-        ::_exit(127);
-    }
-    int status = -1;
-    ::waitpid(client, &status, 0);
-    return status == 0;
+    // Not by a client: when one comes and goes while another comes, a server that waits for its clients may
+    // wait for good. It marks by a flag for all whether it is woken from other processes.
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    const std::string path = "/dev/shm/jack_" + name_ + "_" + std::to_string(::getuid()) + "_0";
+    path.copy(address.sun_path, sizeof(address.sun_path) - 1);
+    const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const bool isAccepted =
+        ::connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0;
+    ::close(socket);
+    return isAccepted;
 }
 
 void PrivateJackServer::suspend() const {
