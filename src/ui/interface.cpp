@@ -22,11 +22,11 @@ Interface::Interface(Ports ports) : ports_(std::move(ports)) {
     ports_.app.preferences.attach(ports_.presence, ports_.queue);
     releaseTimer_ = ports_.queue.after(launchTime, [this] { release(); });
     // What needs an answer comes to the person; what only tells something waits for the window.
-    const auto open = [this](const auto& question) {
-        if (question) openMainWindow();
-    };
-    observers_.push_back(ports_.pairing.question.onDidChange(open));
-    observers_.push_back(ports_.relocation.alert.onDidChange(open));
+    observers_.push_back(ports_.pairing.question.onDidChange(
+        [this](const auto& question) { question ? openForQuestion() : closeAfterQuestion(); }));
+    observers_.push_back(ports_.relocation.alert.onDidChange([this](const auto& alert) {
+        if (alert) openMainWindow();
+    }));
     observers_.push_back(ports_.app.centralManager.alert.onDidChange(
         [this](const std::optional<BLEAlert>& alert) { tell(alert); }));
 }
@@ -58,6 +58,7 @@ Scene& Interface::loadedScene() {
 
 void Interface::follow(QQuickWindow& window) {
     QObject::connect(&window, &QWindow::visibleChanged, &context_, [this] { visibilityChanged(); });
+    window.installEventFilter(&exposure_);
     if (window.objectName() == "panel") followPanel(window);
 }
 
@@ -74,6 +75,7 @@ void Interface::followPanel(QQuickWindow& panel) {
 }
 
 void Interface::visibilityChanged() {
+    if (!scene_ || !scene_->isMainWindowVisible()) isForQuestionOnly_ = false;
     releaseTimer_ = hasVisibleWindows() ? Timer() : ports_.queue.after(unusedLifetime, [this] { release(); });
 }
 
@@ -89,7 +91,20 @@ void Interface::tell(const std::optional<BLEAlert>& alert) {
                            QString::fromStdString(terminalText(alert->message)));
 }
 
+void Interface::openForQuestion() {
+    const bool wasOpen = scene_ && scene_->isMainWindowVisible();
+    const bool wasForQuestion = isForQuestionOnly_;
+    openMainWindow();
+    isForQuestionOnly_ = !wasOpen || wasForQuestion;
+}
+
+void Interface::closeAfterQuestion() {
+    if (std::exchange(isForQuestionOnly_, false) && scene_ && scene_->isMainWindowVisible())
+        scene_->mainWindow()->close();
+}
+
 void Interface::openMainWindow() {
+    isForQuestionOnly_ = false;
     QQuickWindow* const window = loadedScene().mainWindow();
     if (!window) return;
     if (!window->isVisible()) {

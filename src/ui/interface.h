@@ -10,6 +10,7 @@
 #include "app/app_relocation_manager.h"
 #include "base/main_queue.h"
 #include "ui/desktop_presence.h"
+#include "ui/exposure_watch.h"
 #include "ui/pairing_question.h"
 #include "ui/scene.h"
 #include "ui/tray_icon.h"
@@ -57,6 +58,8 @@ class Interface final {
   private:
     [[nodiscard]] Scene& loadedScene();
     void follow(QQuickWindow& window);
+    void openForQuestion();
+    void closeAfterQuestion();
     void followPanel(QQuickWindow& panel);
     void openPanel();
     void placePanel(QQuickWindow& panel) const;
@@ -67,9 +70,12 @@ class Interface final {
     Ports ports_;
     std::unique_ptr<Scene> scene_;
     std::unique_ptr<TrayIcon> trayIcon_;
+    ExposureWatch exposure_;
     /// Connections to windows end with it.
     QObject context_;
     QRect panelAnchor_;
+    /// The main window is open for a question that waits for an answer, and for nothing else.
+    bool isForQuestionOnly_ = false;
     std::chrono::nanoseconds panelLeft_{-clickTime};
     Timer releaseTimer_;
     std::vector<Subscription> observers_;

@@ -38,13 +38,13 @@ QIcon trayImage(const char* symbol) {
 }  // namespace
 
 TrayIcon::TrayIcon(AppPreferences& preferences, CentralBLEManager& central, Actions actions)
-    : central_(central), actions_(std::move(actions)) {
+    : preferences_(preferences), central_(central), actions_(std::move(actions)) {
     observers_.push_back(
         preferences.showMenuBarIcon.onDidChange([this](bool isWanted) { follow(isWanted); }));
+    host_ = std::make_unique<TrayHost>([this] { follow(*preferences_.showMenuBarIcon); });
     observers_.push_back(central.phase.onDidChange([this](LinkPhase phase) {
         if (icon_) draw(phase);
     }));
-    follow(*preferences.showMenuBarIcon);
 }
 
 TrayIcon::~TrayIcon() = default;
@@ -52,6 +52,8 @@ TrayIcon::~TrayIcon() = default;
 void TrayIcon::follow(bool isWanted) {
     if (isWanted == isShown()) return;
     if (!isWanted) return icon_.reset();
+    // While the host is made, it calls for itself.
+    if (host_ && !host_->isPresent()) return;
     icon_ = std::make_unique<QSystemTrayIcon>();
     draw(*central_.phase);
     connect(icon_.get(), &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {

@@ -9,12 +9,14 @@
 
 #include "app/app_preferences.h"
 #include "link/central_ble_manager.h"
+#include "ui/tray_host.h"
 
 class QSystemTrayIcon;
 
 namespace orbinex {
 
-/// The tray icon: there while the preferences want it, its symbol and name following the link's phase.
+/// The tray icon: there while the preferences want it and there is a place for it, its symbol and name
+/// following the link's phase.
 class TrayIcon final : public QObject {
   public:
     struct Actions {
@@ -36,9 +38,11 @@ class TrayIcon final : public QObject {
     void follow(bool isWanted);
     void draw(LinkPhase phase);
 
+    AppPreferences& preferences_;
     CentralBLEManager& central_;
     Actions actions_;
     std::unique_ptr<QSystemTrayIcon> icon_;
+    std::unique_ptr<TrayHost> host_;
     std::vector<Subscription> observers_;
 };
 

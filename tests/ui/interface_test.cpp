@@ -64,6 +64,30 @@ TEST(Interface, opensTheWindowForWhatNeedsAnAnswer) {
     EXPECT_TRUE(program.face.scene()->isMainWindowVisible());
 }
 
+TEST(Interface, closesTheWindowThatAQuestionHasOpenedOnceItIsAnswered) {
+    FacedProgram program;
+    const auto ask = [&] { program.pairing.ask("Ada", "123 456", [](bool) {}); };
+    const auto isOpen = [&] { return program.face.scene() && program.face.scene()->isMainWindowVisible(); };
+    ask();
+    ask();
+    Hand hand(program.window());
+    // Whoever opens the window while the question waits, keeps it.
+    ASSERT_TRUE(hand.click("messageButton0"));
+    EXPECT_TRUE(isOpen());
+    program.window().close();
+
+    ask();
+    ask();
+    EXPECT_TRUE(isOpen());
+    ASSERT_TRUE(Hand(*program.face.scene()->mainWindow()).click("messageButton1"));
+    EXPECT_FALSE(isOpen());
+
+    program.window();
+    ask();
+    program.pairing.withdraw();
+    EXPECT_TRUE(isOpen()) << "it was open before";
+}
+
 TEST(Interface, showsNoWindowAtLoginAndOneOtherwise) {
     for (const bool isLogin : {true, false}) {
         FacedProgram program;

@@ -20,6 +20,11 @@ class NotifierWatcher final : public QObject {
         return item_;
     }
 
+    void forget() {
+        const std::lock_guard lock(mutex_);
+        item_.clear();
+    }
+
   public Q_SLOTS:
     // NOLINTNEXTLINE(readability-identifier-naming): the name on the bus
     void RegisterStatusNotifierItem(const QString& service) {

@@ -54,6 +54,16 @@ TEST(Panel, showsEveryPhase) {
     }
 }
 
+TEST(Panel, pulsesOnlyWhereItCanBeSeen) {
+    FacedProgram program;
+    Hand hand(program.panel());
+    EXPECT_TRUE(hand.sees("orb/ring"));
+    // As on a desktop that is not shown.
+    program.panel().setProperty("isExposed", false);
+    hand.settle();
+    EXPECT_FALSE(hand.sees("orb/ring"));
+}
+
 TEST(Panel, followsThePhaseWhileItIsOpen) {
     FacedProgram program;
     Hand hand(program.panel());

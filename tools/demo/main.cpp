@@ -10,6 +10,7 @@
 #include <system_error>
 
 #include "app/linux/unix_signals.h"
+#include "editor_bridge/midi/jack_connection.h"
 #include "stage.h"
 
 namespace {
@@ -23,6 +24,7 @@ constexpr auto patience = 100s;
 constexpr std::chrono::milliseconds touchPace{4};
 constexpr std::chrono::milliseconds watchedPace{16};
 constexpr auto windowLimit = 20s;
+constexpr auto midiLookInterval = 500ms;
 
 constexpr const char* usage = R"(usage: orbinex_demo [--nested] [--play] [--out FILE]
   --nested     in a window on your own display, slowly enough to watch, with the phone in a window beside it;
@@ -66,6 +68,7 @@ void tellTheStory(Stage& stage, const Options& options) {
     controlTheEditor(stage);
     showEverything(stage, options.picture.string());
     restartTheEditor(stage);
+    useAWorkstation(stage);
     stage.report.summary(std::filesystem::absolute(options.picture).string());
 }
 
@@ -85,11 +88,13 @@ std::optional<Ended> run(EventLoop& loop, Report& report, const PrivateDisplay& 
     // The scripting host, a child of this program, finds the editor by it.
     qputenv("ORBINEX_EDITOR_FOLDER", QByteArray::fromStdString(editor.path().string()));
     const auto host = QCoreApplication::applicationDirPath() + QStringLiteral("/fuscript");
+    MidiStudio studio(desktop);
     Program program(loop, report,
                     {.display = desktop.display(),
                      .scriptHost = host.toStdString(),
                      .commandFile = desktop.place("commands.txt"),
-                     .soundServer = desktop.soundServer()});
+                     .soundServer = desktop.soundServer(),
+                     .midi = {.systems = {JackConnection::open}, .retryDelay = midiLookInterval}});
     // A person has one pointer. Were the phone on the desktop that it moves the pointer of, nobody could use
     // it.
     PhoneWindow phoneWindow(loop, program.phone(),
@@ -99,7 +104,7 @@ std::optional<Ended> run(EventLoop& loop, Report& report, const PrivateDisplay& 
     const bool isPhoneShown = loop.waitUntil([&] { return phoneWindow.isShown(); }, windowLimit);
     report.step("the phone's window", "is shown", isPhoneShown ? "is shown" : "is not");
     PhoneUser user(loop, program.phone(), phoneWindow, options.isNested ? watchedPace : touchPace);
-    Stage stage{loop, report, desktop, screen, selections, program, phoneWindow, user, editor, clips};
+    Stage stage{loop, report, desktop, screen, selections, program, phoneWindow, user, editor, clips, studio};
     if (options.isStoryTold) tellTheStory(stage, options);
     if (!options.isNested) return std::nullopt;
     if (!options.isStoryTold) setTheStage(stage);

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <optional>
 
 #include "desktop_settings.h"
 
@@ -35,6 +36,25 @@ bool Stage::expect(std::string_view name, std::string_view expected,
 
 bool Stage::expectThat(std::string_view name, std::string_view fact, const std::function<bool()>& holds) {
     return expect(name, fact, [&] { return holds() ? std::string(fact) : "not so"; });
+}
+
+std::string Stage::applicationInFront() const {
+    const auto* told = lastTold<ControlMessage::ActiveApp>([](const auto&) { return true; });
+    return told ? told->bundleID : "none";
+}
+
+void Stage::bringToTheFront(std::string_view name, std::uint32_t colour) {
+    constexpr int shortestRun = 100;
+    std::optional<Box> window;
+    const auto isShown = [&] {
+        window = screen.find(colour, shortestRun);
+        return window && window->width > 600 && window->height > 200;
+    };
+    const bool isFound = loop.waitUntil(isShown, stepLimit);
+    report.step(name, "appears", isFound ? "appears" : "does not");
+    if (!isFound) return;
+    pointAt({window->x + window->width / 2, window->y + window->height / 2});
+    user.tap(1);
 }
 
 void Stage::pointAt(ScreenProbe::Pointer place) {

@@ -3,10 +3,12 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <variant>
 
 #include "clip_files.h"
 #include "editor_folder.h"
 #include "event_loop.h"
+#include "midi_studio.h"
 #include "phone_user.h"
 #include "phone_window.h"
 #include "private_desktop.h"
@@ -46,6 +48,8 @@ struct Stage {
     EditorFolder& editor;
     /// The media on its timeline.
     const ClipFiles& clips;
+    /// The stand-in for a workstation that is reached by MIDI.
+    MidiStudio& studio;
 
     /// What the letter in the editor must say.
     std::string letter = {};
@@ -61,6 +65,21 @@ struct Stage {
     /// The same, with the moment that a person needs to aim. Editors take clicks in two places that follow
     /// one another at once for one run of clicks.
     void aimAt(ScreenProbe::Pointer place);
+    /// By a tap in the middle of the window that is filled with this colour, 0xRRGGBB, when it has appeared:
+    /// the window manager leaves the focus where the user has just typed.
+    void bringToTheFront(std::string_view name, std::uint32_t colour);
+    /// What the phone was told last of one kind, of those that `isIt` takes; null before.
+    template <class Message, class Condition>
+    [[nodiscard]] const Message* lastTold(Condition isIt) const {
+        const auto& received = program.phone().received;
+        for (std::size_t i = received.size(); i-- > 0;) {
+            const auto* message = std::get_if<Message>(&received[i].value);
+            if (message && isIt(*message)) return message;
+        }
+        return nullptr;
+    }
+    /// As the phone was told; "none" before.
+    [[nodiscard]] std::string applicationInFront() const;
     /// Saves with the phone and reads what the editor has written.
     void expectLetter(std::string_view name);
 };
@@ -82,6 +101,8 @@ void mixInThePhonesWindow(Stage& stage);
 /// Everything on the screen at once while the editor plays, which the picture shows.
 void showEverything(Stage& stage, const std::string& picture);
 void restartTheEditor(Stage& stage);
+/// The editor is there before and afterwards.
+void useAWorkstation(Stage& stage);
 
 // Without the story
 void openTheEditorToPlay(Stage& stage);

@@ -20,8 +20,6 @@ constexpr double fps = 24;
 constexpr std::int64_t start = 86'400;
 /// What its window is filled with.
 constexpr std::uint32_t windowColour = 0x20242c;
-constexpr int shortestRun = 100;
-constexpr auto windowLimit = 6s;
 /// As a person steps: each step is reported before the next.
 constexpr auto stepPace = 150ms;
 constexpr std::int64_t beginning = start + 48;
@@ -42,24 +40,8 @@ EditorSession session(const ClipFiles& clips) {
     return session;
 }
 
-/// What the phone was told last of one kind; nothing before.
-template <class Message, class Condition>
-const Message* lastTold(const Stage& stage, Condition isIt) {
-    const auto& received = stage.program.phone().received;
-    for (std::size_t i = received.size(); i-- > 0;) {
-        const auto* message = std::get_if<Message>(&received[i].value);
-        if (message && isIt(*message)) return message;
-    }
-    return nullptr;
-}
-
-std::string application(const Stage& stage) {
-    const auto* told = lastTold<ControlMessage::ActiveApp>(stage, [](const auto&) { return true; });
-    return told ? told->bundleID : "none";
-}
-
 SessionTelemetry telemetry(const Stage& stage) {
-    const auto* told = lastTold<SessionTelemetry>(stage, [](const auto&) { return true; });
+    const auto* told = stage.lastTold<SessionTelemetry>([](const auto&) { return true; });
     return told ? *told : SessionTelemetry();
 }
 
@@ -69,7 +51,7 @@ std::string transport(const Stage& stage) {
 }
 
 const DAWTrackState* track(const Stage& stage, std::int64_t index) {
-    return lastTold<DAWTrackState>(stage, [&](const DAWTrackState& told) { return told.index == index; });
+    return stage.lastTold<DAWTrackState>([&](const DAWTrackState& told) { return told.index == index; });
 }
 
 std::string nameOf(const DAWTrackState* track) {
@@ -77,7 +59,7 @@ std::string nameOf(const DAWTrackState* track) {
 }
 
 std::string header(const Stage& stage) {
-    const auto* told = lastTold<DAWHeader>(stage, [](const auto&) { return true; });
+    const auto* told = stage.lastTold<DAWHeader>([](const auto&) { return true; });
     return told
                ? told->projectName + ", " + told->clipName + ", " + std::to_string(told->nodeCount) + " nodes"
                : "none";
@@ -89,26 +71,13 @@ std::string joined(const std::vector<std::string>& lines) {
     return result.empty() ? "nothing" : result;
 }
 
-/// By a tap, as the window manager leaves the focus where the user has just typed.
-void bringToTheFront(Stage& stage) {
-    std::optional<Box> window;
-    const auto isShown = [&] {
-        window = stage.screen.find(windowColour, shortestRun);
-        return window && window->width > 600 && window->height > 200;
-    };
-    const bool isFound = stage.loop.waitUntil(isShown, windowLimit);
-    stage.report.step("the editor's window", "appears", isFound ? "appears" : "does not");
-    if (!isFound) return;
-    stage.pointAt({window->x + window->width / 2, window->y + window->height / 2});
-    stage.user.tap(1);
-}
-
 void openTheEditor(Stage& stage) {
     stage.editor.open(session(stage.clips));
     stage.editor.seek(beginning);
     stage.desktop.startEditingApplication(stage.editor.path().string(), fps);
-    bringToTheFront(stage);
-    stage.expect("in front, as the phone is told", resolveBundleID, [&] { return application(stage); });
+    stage.bringToTheFront("the editor's window", windowColour);
+    stage.expect("in front, as the phone is told", resolveBundleID,
+                 [&] { return stage.applicationInFront(); });
     stage.expect("the session", "Reel 1, Shot 12, 3 nodes", [&] { return header(stage); });
     stage.expect("the first track", "Dialogue (Interview.wav)", [&] { return nameOf(track(stage, 1)); });
     stage.expect("a track between its clips", "Effects ([Door.wav])",
@@ -226,7 +195,7 @@ void openTheEditorToPlay(Stage& stage) {
     stage.editor.open(session(stage.clips));
     stage.editor.seek(beginning);
     stage.desktop.startEditingApplication(stage.editor.path().string(), fps);
-    bringToTheFront(stage);
+    stage.bringToTheFront("the editor's window", windowColour);
 }
 
 }  // namespace orbinex::demo

@@ -65,6 +65,7 @@ void moveAndClick(Stage& stage) {
                      return std::to_string(at.x) + ", " + std::to_string(at.y);
                  });
     auto& face = stage.program.face();
+    stage.expectThat("the tray", "has the icon", [&] { return face.trayIcon().geometry().width() > 1; });
     const QPoint icon = face.trayIcon().geometry().center();
     stage.pointAt({icon.x(), icon.y()});
     stage.user.tap(1);

@@ -5,6 +5,8 @@ Window {
     objectName: "main"
 
     readonly property bool isWide: page.width >= 700
+    /// Something of the window may be on a screen; told from outside.
+    property bool isExposed: false
 
     title: texts.orbinex
     width: 860

@@ -5,6 +5,9 @@ Window {
     id: panel
     objectName: "panel"
 
+    /// Something of the window may be on a screen; told from outside.
+    property bool isExposed: false
+
     title: texts.orbinex
     flags: Qt.Tool | Qt.FramelessWindowHint | Qt.WindowStaysOnTopHint
     width: 340

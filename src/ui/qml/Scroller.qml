@@ -14,6 +14,8 @@ Flickable {
     onFocusedChanged: if (focused) reveal(focused)
 
     function reveal(item) {
+        // A window that has not been shown yet has no size.
+        if (height <= 0) return
         for (let above = item; above !== contentItem; above = above.parent)
             if (!above) return
         const top = item.mapToItem(contentItem, 0, 0).y

@@ -1,7 +1,7 @@
 import QtQuick
 
 // The phase as a symbol in a circle. While something is under way, and only while it is seen, a ring leaves
-// it again and again.
+// it again and again. The ring moves in steps, as every step is drawn by the processor.
 Item {
     id: orb
 
@@ -10,8 +10,7 @@ Item {
     property real size: 24
     property bool pulse: false
 
-    readonly property bool isSeen: visible && Window.window && Window.visibility !== Window.Hidden
-                                   && Window.visibility !== Window.Minimized
+    readonly property bool isSeen: visible && Window.window && Window.window.isExposed
 
     implicitWidth: size
     implicitHeight: size
@@ -22,7 +21,11 @@ Item {
         id: ring
         objectName: "ring"
 
-        property real reach: 1
+        readonly property int steps: 32
+        property int step: 0
+        // Fast at first.
+        readonly property real way: 1 - Math.pow(1 - step / steps, 3)
+        readonly property real reach: 1 + 0.45 * way
 
         anchors.centerIn: parent
         width: orb.size * reach
@@ -31,20 +34,16 @@ Item {
         color: "transparent"
         border.color: orb.tint
         border.width: Math.max(1, orb.size / 40)
+        opacity: 0.7 * (1 - way)
         visible: pulsing.running
 
-        ParallelAnimation {
+        Timer {
             id: pulsing
+            interval: 1800 / ring.steps
+            repeat: true
             running: orb.pulse && orb.isSeen
-            loops: Animation.Infinite
-            NumberAnimation {
-                target: ring; property: "reach"
-                from: 1.0; to: 1.45; duration: 1800; easing.type: Easing.OutCubic
-            }
-            NumberAnimation {
-                target: ring; property: "opacity"
-                from: 0.7; to: 0; duration: 1800; easing.type: Easing.OutCubic
-            }
+            onRunningChanged: ring.step = 0
+            onTriggered: ring.step = (ring.step + 1) % ring.steps
         }
     }
     Rectangle {

@@ -1,0 +1,118 @@
+#include "ui/tray_host.h"
+
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusVariant>
+#include <QGuiApplication>
+#include <QTimer>
+#include <chrono>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include <xcb/xcb.h>
+
+namespace orbinex {
+
+namespace {
+
+constexpr const char* notifierWatcher = "org.kde.StatusNotifierWatcher";
+constexpr const char* notifierPath = "/StatusNotifierWatcher";
+/// Some trays tell of themselves before they have a place on the screen, and lose an icon that comes then.
+constexpr std::chrono::milliseconds settleTime{500};
+
+template <class Reply>
+std::unique_ptr<Reply, decltype(&std::free)> adopt(Reply* reply) {
+    return {reply, &std::free};
+}
+
+xcb_atom_t atomNamed(xcb_connection_t* connection, const std::string& name) {
+    const auto cookie = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.c_str());
+    const auto reply = adopt(xcb_intern_atom_reply(connection, cookie, nullptr));
+    return reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
+}
+
+/// Null on platforms that are not X11.
+xcb_connection_t* xConnection() {
+    const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    return x11 ? x11->connection() : nullptr;
+}
+
+bool takesWindows(xcb_connection_t* connection) {
+    // The one of the first screen; no desktop has had another for long.
+    const auto cookie = xcb_get_selection_owner(connection, atomNamed(connection, "_NET_SYSTEM_TRAY_S0"));
+    const auto reply = adopt(xcb_get_selection_owner_reply(connection, cookie, nullptr));
+    return reply && reply->owner != XCB_WINDOW_NONE;
+}
+
+/// What is told of on the root window by messages to all reaches this connection, besides what does already.
+void hearTheRoot(xcb_connection_t* connection) {
+    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+    const auto cookie = xcb_get_window_attributes(connection, root);
+    const auto reply = adopt(xcb_get_window_attributes_reply(connection, cookie, nullptr));
+    const std::uint32_t mask = (reply ? reply->your_event_mask : 0U) | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_change_window_attributes(connection, root, XCB_CW_EVENT_MASK, &mask);
+    xcb_flush(connection);
+}
+
+}  // namespace
+
+TrayHost::TrayHost(std::function<void()> appeared)
+    : appeared_(std::move(appeared)), bus_(QDBusConnection::sessionBus()) {
+    xcb_connection_t* const connection = xConnection();
+    if (!connection || takesWindows(connection)) {
+        appear();
+        return;
+    }
+    hearTheRoot(connection);
+    qGuiApp->installNativeEventFilter(this);
+    if (!bus_.isConnected()) return;
+    watcher_.setConnection(bus_);
+    watcher_.setWatchMode(QDBusServiceWatcher::WatchForRegistration);
+    watcher_.addWatchedService(notifierWatcher);
+    connect(&watcher_, &QDBusServiceWatcher::serviceRegistered, this, &TrayHost::askTheBus);
+    // The watcher may be there before the tray that it watches for.
+    bus_.connect(notifierWatcher, notifierPath, notifierWatcher, "StatusNotifierHostRegistered", this,
+                 SLOT(askTheBus()));
+    askTheBus();
+}
+
+TrayHost::~TrayHost() {
+    qGuiApp->removeNativeEventFilter(this);
+}
+
+void TrayHost::askTheBus() {
+    auto question = QDBusMessage::createMethodCall(notifierWatcher, notifierPath,
+                                                   "org.freedesktop.DBus.Properties", "Get");
+    question.setArguments({notifierWatcher, "IsStatusNotifierHostRegistered"});
+    question.setAutoStartService(false);
+    auto* const answer = new QDBusPendingCallWatcher(bus_.asyncCall(question), this);
+    connect(answer, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* call) {
+        const QDBusPendingReply<QDBusVariant> reply = *call;
+        call->deleteLater();
+        if (reply.isValid() && reply.value().variant().toBool()) appear();
+    });
+}
+
+bool TrayHost::nativeEventFilter(const QByteArray& type, void* message, qintptr*) {
+    const auto* const event = static_cast<const xcb_generic_event_t*>(message);
+    constexpr unsigned sentMask = 0x7f;
+    if (type != "xcb_generic_event_t" || (event->response_type & sentMask) != XCB_CLIENT_MESSAGE)
+        return false;
+    // A tray tells of itself on the root window by MANAGER.
+    xcb_connection_t* const connection = xConnection();
+    const auto* const client = reinterpret_cast<const xcb_client_message_event_t*>(event);
+    if (isPresent_ || client->type != atomNamed(connection, "MANAGER") ||
+        client->data.data32[1] != atomNamed(connection, "_NET_SYSTEM_TRAY_S0"))
+        return false;
+    QTimer::singleShot(settleTime, this, [this] { appear(); });
+    return false;
+}
+
+void TrayHost::appear() {
+    if (!std::exchange(isPresent_, true)) appeared_();
+}
+
+}  // namespace orbinex
