@@ -1,6 +1,7 @@
 #include "midi_workstation/workstation.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <ctime>
 #include <optional>
 #include <stdexcept>
@@ -74,10 +75,16 @@ bool Workstation::connect(const std::string& source, const std::string& destinat
     const auto from = findPort(client_, source, JackPortIsOutput);
     const auto to = findPort(client_, destination, JackPortIsInput);
     if (!from || !to) return false;
-    const bool hears = jack_port_connected_to(input_, from->c_str()) != 0 ||
-                       jack_connect(client_, from->c_str(), jack_port_name(input_)) == 0;
-    const bool plays = jack_port_connected_to(output_, to->c_str()) != 0 ||
-                       jack_connect(client_, jack_port_name(output_), to->c_str()) == 0;
+    // What is connected already is an error of its own kind; the server tells of a connection only when its
+    // period is over.
+    const auto isMade = [this](const char* output, const char* input) {
+        const int result = jack_connect(client_, output, input);
+        return result == 0 || result == EEXIST;
+    };
+    const bool hears =
+        jack_port_connected_to(input_, from->c_str()) != 0 || isMade(from->c_str(), jack_port_name(input_));
+    const bool plays =
+        jack_port_connected_to(output_, to->c_str()) != 0 || isMade(jack_port_name(output_), to->c_str());
     return hears && plays;
 }
 
