@@ -5,7 +5,6 @@
 #include <QDBusPendingReply>
 #include <QDBusVariant>
 #include <QGuiApplication>
-#include <QTimer>
 #include <chrono>
 #include <cstdlib>
 #include <memory>
@@ -66,6 +65,8 @@ TrayHost::TrayHost(std::function<void()> appeared)
         appear();
         return;
     }
+    settling_.setSingleShot(true);
+    connect(&settling_, &QTimer::timeout, this, [this] { appear(); });
     hearTheRoot(connection);
     qGuiApp->installNativeEventFilter(this);
     if (!bus_.isConnected()) return;
@@ -107,7 +108,7 @@ bool TrayHost::nativeEventFilter(const QByteArray& type, void* message, qintptr*
     if (isPresent_ || client->type != atomNamed(connection, "MANAGER") ||
         client->data.data32[1] != atomNamed(connection, "_NET_SYSTEM_TRAY_S0"))
         return false;
-    QTimer::singleShot(settleTime, this, [this] { appear(); });
+    settling_.start(settleTime);
     return false;
 }
 

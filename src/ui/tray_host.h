@@ -4,6 +4,7 @@
 #include <QDBusConnection>
 #include <QDBusServiceWatcher>
 #include <QObject>
+#include <QTimer>
 #include <functional>
 
 namespace orbinex {
@@ -31,6 +32,7 @@ class TrayHost final : public QObject, QAbstractNativeEventFilter {
     bool isPresent_ = false;
     QDBusConnection bus_;
     QDBusServiceWatcher watcher_;
+    QTimer settling_;
 };
 
 }  // namespace orbinex
