@@ -122,7 +122,8 @@ TEST(MIDISurface, understandsFaderPositionsAndNothingElse) {
 }
 
 TEST(MIDISurface, hearsBackTheLevelThatItPlays) {
-    for (double dB = -96; dB <= 12; dB += 0.1) {
+    for (int tenths = -960; tenths <= 120; ++tenths) {
+        const double dB = tenths / 10.0;
         const auto back = faderFeedback(faderMessage(3, dB));
         ASSERT_TRUE(back);
         EXPECT_EQ(back->trackIndex, 4);
