@@ -1,4 +1,5 @@
-// The least program with a tray icon, to measure others by; with --tick one that also wakes up as often as meters do.
+// The least program with a tray icon, to measure others by; with --tick one that also wakes up as often as
+// meters do.
 
 #include <QApplication>
 #include <QMenu>
