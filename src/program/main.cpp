@@ -126,7 +126,10 @@ class Program {
     int run(bool isLoginLaunch) {
         delegate_.willFinishLaunching();
         delegate_.didFinishLaunching(isLoginLaunch);
-        instance_.serve(queue_, [this](const std::string&) { delegate_.handleSecondLaunch(); });
+        instance_.serve(queue_, [this](const std::string& startupToken) {
+            presence_.setStartupToken(startupToken);
+            delegate_.handleSecondLaunch();
+        });
         const TerminalReport report(coordinator_, say);
         TerminalConsole console(coordinator_, terminalPrompt_, say, quit);
         // Where nobody can type any more, a pairing is still asked about in the window.

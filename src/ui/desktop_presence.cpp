@@ -2,7 +2,7 @@
 
 #include <QGuiApplication>
 
-#include "ui/task_bar_state.h"
+#include "ui/x11_window_hints.h"
 
 namespace orbinex {
 
@@ -41,8 +41,10 @@ void DesktopPresence::activate() {
 void DesktopPresence::bringVisibleWindowToFront() {
     QWindow* const window = visibleMainWindow();
     if (!window) return;
+    const std::string token = std::exchange(startupToken_, {});
     window->raise();
-    window->requestActivate();
+    if (!activateForLaunch(*window, token)) window->requestActivate();
+    tellLaunched(*window, token);
 }
 
 }  // namespace orbinex

@@ -2,6 +2,8 @@
 
 #include <QObject>
 #include <QWindow>
+#include <string>
+#include <utility>
 
 #include "app/activation_notifier.h"
 #include "app/application_presence.h"
@@ -20,6 +22,9 @@ class DesktopPresence final : public ApplicationPresence {
     [[nodiscard]] ActivationNotifier& activation() { return activation_; }
     /// To be called before a main window is shown: the policy holds for it too.
     void prepare(QWindow& window) const;
+    /// The person has launched the program once more, and the launcher gave this token: the main window that
+    /// is brought to the front next comes there because of that. Empty for none.
+    void setStartupToken(std::string token) { startupToken_ = std::move(token); }
 
     [[nodiscard]] ActivationPolicy activationPolicy() const override { return policy_; }
     void setActivationPolicy(ActivationPolicy policy) override;
@@ -28,6 +33,7 @@ class DesktopPresence final : public ApplicationPresence {
 
   private:
     ActivationPolicy policy_ = ActivationPolicy::regular;
+    std::string startupToken_;
     ActivationNotifier activation_;
     /// The connection to the application ends with it.
     QObject context_;

@@ -8,6 +8,7 @@
 #include "ui/phone_row.h"
 #include "ui/relative_date.h"
 #include "ui/settings_model.h"
+#include "ui/x11_window_hints.h"
 
 namespace orbinex {
 namespace {
@@ -31,6 +32,21 @@ TEST(RelativeDate, saysHowLongAgoInTheLargestWholeUnit) {
     };
     const Date now(Seconds(800'000'000.0));
     for (const auto& [ago, text] : rows) EXPECT_EQ(relativeDate(now - Seconds(ago), now), text) << ago;
+}
+
+TEST(StartupTime, isTheNumberAtTheEndOfTheToken) {
+    const std::pair<const char*, std::optional<std::uint32_t>> rows[] = {
+        {"", std::nullopt},
+        {"host/launcher/1-2-host_TIME4294967295", 4'294'967'295},
+        {"_TIME1_TIME22", 22},
+        {"gnome_TIME4294967296", std::nullopt},
+        {"gnome_TIME0", std::nullopt},
+        {"gnome_TIME-5", std::nullopt},
+        {"gnome_TIME12x", std::nullopt},
+        {"gnome_TIME", std::nullopt},
+        {"gnome", std::nullopt},
+    };
+    for (const auto& [token, time] : rows) EXPECT_EQ(startupTime(token), time) << token;
 }
 
 TEST(PanelPosition, isAtTheIconAndOnTheScreen) {

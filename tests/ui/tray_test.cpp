@@ -15,12 +15,14 @@
 #include "pictures/faced_program.h"
 #include "support/private_x_server.h"
 #include "ui/notifier_watcher.h"
+#include "ui/root_listener.h"
 #include "ui/x_pointer.h"
 
 namespace orbinex::test {
 namespace {
 
 using namespace std::chrono_literals;
+using namespace std::string_literals;
 
 bool reaches(const std::function<bool()>& condition) {
     const QDeadlineTimer deadline(20s);
@@ -117,6 +119,43 @@ TEST(XEmbedTray, opensThePanelAtTheIconAndTheWindowFromThere) {
     EXPECT_TRUE(reaches([&] { return !desktop().isOutOfTheTaskBar(); }));
     program.preferences.setShowMenuBarIcon(false);
     EXPECT_TRUE(reaches([&] { return program.face.trayIcon().geometry().isEmpty(); }));
+}
+
+TEST(SecondLaunch, bringsTheWindowToTheFrontByTheLaunchersToken) {
+    qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
+    RootListener root(desktop().server.display());
+    FacedProgram program;
+    const std::string token = "a \"launcher\\of the desktop\" with a long name-4711_TIME4294967295";
+    for (const bool isOpen : {false, true}) {
+        program.presence.setStartupToken(token);
+        program.face.openMainWindow();
+        const auto window = static_cast<std::uint64_t>(program.face.scene()->mainWindow()->winId());
+        std::string told;
+        std::vector<std::vector<long>> activations;
+        ASSERT_TRUE(reaches([&] {
+            for (const auto& message : root.take()) {
+                if (message.type.starts_with("_NET_STARTUP_INFO")) told += message.bytes;
+                if (message.type == "_NET_ACTIVE_WINDOW" && message.window == window)
+                    activations.push_back(message.values);
+            }
+            return told.find('\0') != std::string::npos;
+        })) << isOpen;
+        EXPECT_EQ(told.c_str(), "remove: ID=\"a \\\"launcher\\\\of the desktop\\\" with a long "
+                                "name-4711_TIME4294967295\""s);
+        ASSERT_EQ(activations.size(), 1U) << isOpen;
+        EXPECT_EQ(activations[0][0], 1) << "an application asks";
+        EXPECT_EQ(static_cast<std::uint32_t>(activations[0][1]), 4294967295U);
+        EXPECT_TRUE(reaches([&] { return program.face.scene()->mainWindow()->isActive(); })) << isOpen;
+    }
+    // The token was for that launch.
+    program.face.openMainWindow();
+    reaches([] { return true; });
+    for (const auto& message : root.take()) {
+        EXPECT_FALSE(message.type.starts_with("_NET_STARTUP_INFO"));
+        if (message.type == "_NET_ACTIVE_WINDOW") {
+            EXPECT_NE(static_cast<std::uint32_t>(message.values[1]), 4294967295U);
+        }
+    }
 }
 
 TEST(NotifierTray, registersTheIconAndOpensThePanelWhenItIsActivated) {
