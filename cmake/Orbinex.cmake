@@ -5,6 +5,10 @@ add_library(orbinex_options INTERFACE)
 target_compile_options(orbinex_options INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
 target_include_directories(orbinex_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
+if(CMAKE_UNITY_BUILD)
+  # In a unit of several files, a file's own types look as if a header had them.
+  target_compile_options(orbinex_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
+endif()
 if(ORBINEX_SANITIZE)
   target_compile_options(orbinex_options INTERFACE
     -fsanitize=${ORBINEX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer

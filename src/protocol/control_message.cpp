@@ -52,7 +52,7 @@ std::optional<ControlMessage> decodeRecord(ByteView payload) {
     return std::visit([](auto& content) { return ControlMessage{std::move(content)}; }, *record);
 }
 
-struct Encoder {
+struct MessageEncoder {
     Bytes operator()(const ControlMessage::Hello& content) const {
         return hello(content.protocolVersion, content.macName);
     }
@@ -91,7 +91,7 @@ std::optional<ControlMessage> ControlMessage::decode(ByteView value) {
 }
 
 Bytes ControlMessage::encode() const {
-    return std::visit(Encoder{}, value);
+    return std::visit(MessageEncoder{}, value);
 }
 
 std::string macName(std::string_view computerName) {

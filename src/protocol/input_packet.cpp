@@ -105,7 +105,7 @@ std::optional<DecodedPacket> decodeButtonChange(ByteView bytes) {
     return DecodedPacket{DecodedPacket::MouseButtonChange{*button, *state}};
 }
 
-struct Encoder {
+struct PacketEncoder {
     Bytes operator()(const DecodedPacket::MouseMove& packet) const {
         return motion(mouseMove, packet.deltaX, packet.deltaY);
     }
@@ -156,7 +156,7 @@ std::optional<DecodedPacket> DecodedPacket::decode(ByteView bytes) {
 }
 
 Bytes DecodedPacket::encode() const {
-    return std::visit(Encoder{}, value);
+    return std::visit(PacketEncoder{}, value);
 }
 
 }  // namespace orbinex

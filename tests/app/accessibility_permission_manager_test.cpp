@@ -16,8 +16,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-struct Desktop {
-    explicit Desktop(bool granted) : permission(granted) {}
+struct PermissionDesktop {
+    explicit PermissionDesktop(bool granted) : permission(granted) {}
 
     VirtualMainQueue queue;
     SimulatedInputPermission permission;
@@ -28,7 +28,7 @@ struct Desktop {
 };
 
 TEST(AccessibilityPermissionManager, looksAtTheStartAndWhenThePersonComesBack) {
-    Desktop desktop(false);
+    PermissionDesktop desktop(false);
     EXPECT_FALSE(*desktop.manager->isAccessibilityGranted);
     EXPECT_EQ(*desktop.manager->explanation, desktop.permission.missing);
     EXPECT_EQ(desktop.queue.pendingTimers(), 0U);
@@ -45,11 +45,11 @@ TEST(AccessibilityPermissionManager, looksAtTheStartAndWhenThePersonComesBack) {
     desktop.activation.didBecomeActive.emit();
     EXPECT_FALSE(*desktop.manager->isAccessibilityGranted);
     EXPECT_EQ(announced, 2);
-    EXPECT_TRUE(Desktop(true).manager->isAccessibilityGranted.get());
+    EXPECT_TRUE(PermissionDesktop(true).manager->isAccessibilityGranted.get());
 }
 
 TEST(AccessibilityPermissionManager, pollsAfterARequestUntilItIsGranted) {
-    Desktop desktop(false);
+    PermissionDesktop desktop(false);
     desktop.manager->requestAccess();
     EXPECT_EQ(desktop.permission.requests, 1);
     ASSERT_TRUE(desktop.manager->isPolling());
@@ -63,7 +63,7 @@ TEST(AccessibilityPermissionManager, pollsAfterARequestUntilItIsGranted) {
 }
 
 TEST(AccessibilityPermissionManager, pollsForFiveMinutesAfterTheLastCall) {
-    Desktop desktop(false);
+    PermissionDesktop desktop(false);
     desktop.urls.isWorking = false;
     desktop.manager->openAccessibilitySettings();
     EXPECT_EQ(desktop.urls.opened, std::vector<std::string>{std::string(accessibilitySettingsUrl)});
@@ -82,7 +82,7 @@ TEST(AccessibilityPermissionManager, pollsForFiveMinutesAfterTheLastCall) {
 
 TEST(AccessibilityPermissionManager, doesNotPollForWhatIsGrantedAtOnce) {
     for (const bool isGrantedBefore : {false, true}) {
-        Desktop desktop(isGrantedBefore);
+        PermissionDesktop desktop(isGrantedBefore);
         desktop.permission.isGrantedOnRequest = true;
         std::vector<bool> announced;
         const auto observer = desktop.manager->isAccessibilityGranted.onDidChange(
@@ -95,7 +95,7 @@ TEST(AccessibilityPermissionManager, doesNotPollForWhatIsGrantedAtOnce) {
 }
 
 TEST(AccessibilityPermissionManager, takesItsTimerAndObserverWithIt) {
-    Desktop desktop(false);
+    PermissionDesktop desktop(false);
     desktop.manager->requestAccess();
     desktop.manager.reset();
     EXPECT_EQ(desktop.queue.pendingTimers(), 0U);

@@ -36,8 +36,8 @@ TEST(AppPreferences, neverLoadWithoutAPlaceToBeReachedAt) {
     }
 }
 
-struct Desktop {
-    Desktop() { preferences.attach(presence, queue); }
+struct PreferencesDesktop {
+    PreferencesDesktop() { preferences.attach(presence, queue); }
 
     VirtualMainQueue queue;
     MemoryDefaults defaults;
@@ -46,7 +46,7 @@ struct Desktop {
 };
 
 TEST(AppPreferences, turnTheOtherPlaceOnWhenBothWouldBeOff) {
-    Desktop desktop;
+    PreferencesDesktop desktop;
     auto& preferences = desktop.preferences;
     preferences.setShowInDock(false);
     desktop.queue.runDue();
@@ -74,7 +74,7 @@ TEST(AppPreferences, turnTheOtherPlaceOnWhenBothWouldBeOff) {
 }
 
 TEST(AppPreferences, leaveThePolicyAloneWhereItNeedNotChange) {
-    Desktop desktop;
+    PreferencesDesktop desktop;
     int announced = 0;
     const auto dock = desktop.preferences.showInDock.onWillChange([&](bool) { ++announced; });
     const auto menuBar = desktop.preferences.showMenuBarIcon.onWillChange([&](bool) { ++announced; });

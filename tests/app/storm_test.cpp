@@ -159,8 +159,8 @@ class Storm {
     }
 
     std::optional<BluetoothError> anyError() {
-        using Kind = BluetoothError::Kind;
-        constexpr Kind kinds[] = {Kind::attribute, Kind::framework, Kind::other};
+        using Failure = BluetoothError::Kind;
+        constexpr Failure kinds[] = {Failure::attribute, Failure::framework, Failure::other};
         constexpr int codes[] = {5, 12, 14, 15, 1};
         return BluetoothError{kinds[pick(3)], codes[pick(5)], "Some error."};
     }

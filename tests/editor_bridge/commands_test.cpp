@@ -22,7 +22,7 @@ struct Row {
 
 constexpr const char* whole = "H T1 T2 T3 T0 M";
 
-const Row rows[] = {
+const Row commandRows[] = {
     {"VOL|2|-6", {"VOL|2|-6.00"}, "T2", [](auto& s) { s.tracks[1].volumeDB = -6; }},
     {"VOL|2|40", {"VOL|2|40.00"}, "T2", [](auto& s) { s.tracks[1].volumeDB = 12; }},
     {"VOL|2|nan", {"VOL|2|-96.00"}, "T2", [](auto& s) { s.tracks[1].volumeDB = -96; }},
@@ -79,7 +79,7 @@ const Row rows[] = {
 };
 
 TEST(Commands, changeTheSessionTellTheEditorAndAnswer) {
-    for (const auto& row : rows) {
+    for (const auto& row : commandRows) {
         SCOPED_TRACE(row.command);
         BridgeWorld world;
         world.beginSession();
@@ -94,7 +94,7 @@ TEST(Commands, changeTheSessionTellTheEditorAndAnswer) {
 }
 
 TEST(Commands, doTheSameForOtherEditorsWithoutTheScript) {
-    for (const auto& row : rows) {
+    for (const auto& row : commandRows) {
         SCOPED_TRACE(row.command);
         BridgeWorld world;
         world.workspace.activate(logic);

@@ -42,8 +42,6 @@ BluetoothError attributeError(int code) {
 BluetoothError frameworkError(int code) {
     return {BluetoothError::Kind::framework, code, "Framework error."};
 }
-const BluetoothError radioError{BluetoothError::Kind::other, 0, "The radio is busy."};
-
 const std::string securing = "Securing connection with Studio iPhone…";
 const std::string connected = "Connected to Studio iPhone";
 const std::string searching = "Searching for iPhones running Orbinex…";

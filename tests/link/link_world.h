@@ -13,6 +13,8 @@
 
 namespace orbinex {
 
+inline const BluetoothError radioError{BluetoothError::Kind::other, 0, "The radio is busy."};
+
 /// A link with everything around it, in virtual time. What a person would have seen is kept in order.
 class LinkWorld {
   public:

@@ -9,8 +9,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-const BluetoothError radioError{BluetoothError::Kind::other, 0, "The radio is busy."};
-
 TEST(Delays, betweenAutomaticAttemptsDoubleUpToThirtySeconds) {
     LinkWorld world(BluetoothState::unknown);
     auto& phone = world.addPhone();

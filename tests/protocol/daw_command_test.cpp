@@ -12,13 +12,13 @@ namespace {
 
 using C = DAWCommand;
 
-struct Case {
+struct CommandCase {
     const char* text;
     C command;
 };
 
 TEST(DAWCommand, readsAndWritesEachKeyword) {
-    const Case cases[] = {
+    const CommandCase cases[] = {
         {"SYNC", {C::RequestSnapshot{}}},
         {"VOL|3|-6.5", {C::SetTrackVolume{3, -6.5}}},
         {"PAN|2|-100", {C::SetTrackPan{2, -100}}},
@@ -43,7 +43,7 @@ TEST(DAWCommand, readsAndWritesEachKeyword) {
 }
 
 TEST(DAWCommand, fallsBackToTheDefaultOfAFieldThatDoesNotParse) {
-    const Case cases[] = {
+    const CommandCase cases[] = {
         {"VOL|x|y", {C::SetTrackVolume{1, 0}}},
         {"VOL| 3| -6", {C::SetTrackVolume{1, 0}}},
         {"VOL|1.0|-6,5", {C::SetTrackVolume{1, 0}}},

@@ -10,10 +10,10 @@ using orbinex::test::hex;
 
 namespace {
 
-constexpr std::string_view header = "02 E2 C3 62 B1 CE 63 4C 23 95 D9 36 65 3E BF 89 A6";
+constexpr std::string_view headerBytes = "02 E2 C3 62 B1 CE 63 4C 23 95 D9 36 65 3E BF 89 A6";
 
 TEST(DeviceInfo, isAVersionAnIdentifierAndTheRestAName) {
-    const Bytes value = hex(std::string(header) + " C3 89 20 F0 9F 93 B1");
+    const Bytes value = hex(std::string(headerBytes) + " C3 89 20 F0 9F 93 B1");
     const auto info = DeviceInfo::decode(value);
     ASSERT_TRUE(info);
     EXPECT_EQ(*info,
@@ -22,7 +22,7 @@ TEST(DeviceInfo, isAVersionAnIdentifierAndTheRestAName) {
 }
 
 TEST(DeviceInfo, hasAnEmptyNameWhenNothingFollowsAndIsNothingWhenShorter) {
-    const Bytes value = hex(header);
+    const Bytes value = hex(headerBytes);
     for (std::size_t length = 0; length < value.size(); ++length) {
         EXPECT_FALSE(DeviceInfo::decode(ByteView(value).first(length))) << length;
     }
@@ -32,7 +32,7 @@ TEST(DeviceInfo, hasAnEmptyNameWhenNothingFollowsAndIsNothingWhenShorter) {
 }
 
 TEST(DeviceInfo, repairsABrokenName) {
-    const auto info = DeviceInfo::decode(hex(std::string(header) + " 41 C3 42 FF"));
+    const auto info = DeviceInfo::decode(hex(std::string(headerBytes) + " 41 C3 42 FF"));
     ASSERT_TRUE(info);
     EXPECT_EQ(info->name,
               "A\uFFFD"

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <sstream>
 #include <string>
@@ -20,8 +21,8 @@ inline Bytes hex(std::string_view transcript) {
 
 /// The bytes of a text, after a type byte.
 inline Bytes typed(std::uint8_t type, std::string_view text) {
-    Bytes bytes{type};
-    bytes.insert(bytes.end(), text.begin(), text.end());
+    Bytes bytes(1 + text.size(), type);
+    std::ranges::copy(text, bytes.begin() + 1);
     return bytes;
 }
 

@@ -16,7 +16,7 @@ constexpr int callLimitMilliseconds = 60'000;
 constexpr Milliseconds switchLimit = 60s;
 constexpr Milliseconds endingLimit = 15s;
 
-const QString service = QStringLiteral("org.bluez");
+const QString busName = QStringLiteral("org.bluez");
 const QString adapterInterface = QStringLiteral("org.bluez.Adapter1");
 const QString deviceInterface = QStringLiteral("org.bluez.Device1");
 const QString characteristicInterface = QStringLiteral("org.bluez.GattCharacteristic1");
@@ -27,7 +27,7 @@ QString pathOf(const std::string& adapter) {
 
 QDBusMessage call(const QDBusConnection& bus, const QString& path, const QString& interface,
                   const QString& method, const QVariantList& arguments = {}) {
-    QDBusMessage message = QDBusMessage::createMethodCall(service, path, interface, method);
+    QDBusMessage message = QDBusMessage::createMethodCall(busName, path, interface, method);
     // It is the scenario that starts bluetoothd, never the bus.
     message.setAutoStartService(false);
     message.setArguments(arguments);

@@ -18,7 +18,7 @@ namespace {
 
 constexpr int sampleRate = 48'000;
 constexpr int seconds = 20;
-constexpr const char* text =
+constexpr const char* spokenText =
     "The phone shows how loud each track is. It reads the clips' own files, at the place where the playhead "
     "is.";
 
@@ -97,7 +97,7 @@ ClipFiles makeClipFiles(const std::string& folder, const RunProgram& run) {
     const auto q = [](const std::string& path) { return QString::fromStdString(path); };
 
     const std::string voice = folder + "/voice.wav";
-    mustRun("espeak-ng", {QStringLiteral("-w"), q(voice), QString::fromUtf8(text)});
+    mustRun("espeak-ng", {QStringLiteral("-w"), q(voice), QString::fromUtf8(spokenText)});
     mustRun("ffmpeg",
             {QStringLiteral("-y"), QStringLiteral("-stream_loop"), QStringLiteral("-1"), QStringLiteral("-i"),
              q(voice), QStringLiteral("-t"), QString::number(seconds), q(clips.speech.path)});

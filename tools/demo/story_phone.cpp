@@ -15,7 +15,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr double tolerance = 1.5;
+constexpr double fingerTolerance = 1.5;
 constexpr auto windowLimit = 10s;
 constexpr auto watchInterval = 100ms;
 constexpr int wheelClicks = 20;
@@ -58,7 +58,7 @@ void useThePhonesWindow(Stage& stage) {
     window.drag("trackpad", right, -up);
     stage.expectThat("a drag over its trackpad", "moves the pointer as far", [&] {
         const auto at = stage.screen.pointer();
-        return std::abs(at.x - from.x - right) < tolerance && std::abs(at.y - from.y + up) < tolerance;
+        return std::abs(at.x - from.x - right) < fingerTolerance && std::abs(at.y - from.y + up) < fingerTolerance;
     });
     const auto typed = "Typed in the window.";
     window.type("field", typed);

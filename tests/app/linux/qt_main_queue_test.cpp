@@ -1,6 +1,5 @@
 #include "app/linux/qt_main_queue.h"
 
-#include <QCoreApplication>
 #include <QEventLoop>
 #include <algorithm>
 #include <functional>
@@ -11,18 +10,12 @@
 
 #include <gtest/gtest.h>
 
+#include "app/linux/core_application.h"
+
 namespace orbinex {
 namespace {
 
 using namespace std::chrono_literals;
-
-QCoreApplication& application() {
-    static int argc = 1;
-    static char name[] = "test";
-    static char* argv[] = {name, nullptr};
-    static QCoreApplication instance(argc, argv);
-    return instance;
-}
 
 /// Runs the event loop until the queue is told to stop it.
 class QtMainQueueTest : public testing::Test {
@@ -30,7 +23,7 @@ class QtMainQueueTest : public testing::Test {
     void runUntilDone() { loop_.exec(); }
     void done() { loop_.quit(); }
 
-    QCoreApplication& application_ = application();
+    QCoreApplication& application_ = coreApplication();
     QEventLoop loop_;
     QtMainQueue queue_;
 };

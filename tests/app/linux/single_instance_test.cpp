@@ -1,6 +1,5 @@
 #include "app/linux/single_instance.h"
 
-#include <QCoreApplication>
 #include <array>
 #include <filesystem>
 #include <memory>
@@ -14,6 +13,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include "app/linux/core_application.h"
 #include "app/linux/instance_socket.h"
 #include "app/linux/qt_main_queue.h"
 #include "app/linux/runtime_folder.h"
@@ -25,15 +25,6 @@ namespace {
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 using Claim = SingleInstance::Claim;
-
-QCoreApplication& application() {
-    static int argc = 1;
-    static char name[] = "test";
-    static char* argv[] = {name, nullptr};
-    static QCoreApplication* const instance =
-        QCoreApplication::instance() ? QCoreApplication::instance() : new QCoreApplication(argc, argv);
-    return *instance;
-}
 
 class SingleInstanceTest : public testing::Test {
   protected:
@@ -70,7 +61,7 @@ class SingleInstanceTest : public testing::Test {
         }
     }
 
-    QCoreApplication& application_ = application();
+    QCoreApplication& application_ = coreApplication();
     QtMainQueue queue_;
     test::TemporaryFolder folder_;
     std::vector<std::string> tokens_;

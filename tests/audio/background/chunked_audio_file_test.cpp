@@ -37,13 +37,13 @@ std::vector<std::uint8_t> samplesRead(AudioFile& file, std::int64_t start, std::
     return result;
 }
 
-struct World {
+struct ChunkWorld {
     std::shared_ptr<ManualMediaWorkers> workers = std::make_shared<ManualMediaWorkers>();
     ManualMediaWorkers::AtEnd atEnd{workers};
     std::shared_ptr<WatchedAudio> audio = std::make_shared<WatchedAudio>();
     PCMBuffer buffer{SampleType::float32, 2};
 
-    World() {
+    ChunkWorld() {
         audio->onUse = [this] {
             EXPECT_TRUE(workers->isWorkerThread()) << "the file was used on the main thread";
         };
@@ -59,7 +59,7 @@ TEST(ChunkedAudioFile, readsWhatTheFileReadsHoweverFarTheWorkersAre) {
         for (const int channels : {1, 2})
             for (const double rate : {8'000.0, 48'000.0, 96'000.0, 192'000.0})
                 for (const std::int64_t frames : {1, 4095, 4096, 4097, 100'000, 2'000'000}) {
-                    World world;
+                    ChunkWorld world;
                     *world.audio = {type, rate, frames, channels, {0, 0}, [] {}};
                     const auto chunked = world.open();
                     WatchedAudioFile direct(std::make_shared<WatchedAudio>(*world.audio));
@@ -105,7 +105,7 @@ TEST(ChunkedAudioFile, misreadsNothingWhileThreadsDecode) {
 
 TEST(ChunkedAudioFile, playsWithoutMissingOrWaiting) {
     for (const double speed : {1.0, -1.0, 2.0, 0.0}) {
-        World world;
+        ChunkWorld world;
         world.audio->frames = 2'880'000;
         const auto file = world.open();
         world.workers->stepsPerWait = 1'000;
@@ -129,7 +129,7 @@ TEST(ChunkedAudioFile, playsWithoutMissingOrWaiting) {
 }
 
 TEST(ChunkedAudioFile, waitsOnceForAFileThatBringsNothing) {
-    World world;
+    ChunkWorld world;
     const auto file = world.open();
     for (int i = 0; i < 10; ++i) EXPECT_EQ(file->read(std::int64_t{i} * 20'000, 1'024, world.buffer), 0);
     EXPECT_EQ(world.workers->waits, 1);
@@ -140,7 +140,7 @@ TEST(ChunkedAudioFile, waitsOnceForAFileThatBringsNothing) {
 }
 
 TEST(ChunkedAudioFile, givesTheBeginningOfWhatIsNotAllThere) {
-    World world;
+    ChunkWorld world;
     const auto file = world.open();
     world.workers->stepsPerWait = 1;
     EXPECT_EQ(file->read(4'000, 1'000, world.buffer), 96);
@@ -149,7 +149,7 @@ TEST(ChunkedAudioFile, givesTheBeginningOfWhatIsNotAllThere) {
 }
 
 TEST(ChunkedAudioFile, endsReadsAtDamageAndFindsOutWhenItIsMended) {
-    World world;
+    ChunkWorld world;
     world.audio->damage = {10'000, 20'000};
     const auto file = world.open();
     world.workers->stepsPerWait = 100;
@@ -167,7 +167,7 @@ TEST(ChunkedAudioFile, endsReadsAtDamageAndFindsOutWhenItIsMended) {
 }
 
 TEST(ChunkedAudioFile, readsNothingOutsideTheFile) {
-    World world;
+    ChunkWorld world;
     const auto file = world.open();
     for (const std::int64_t start : {std::int64_t{-1}, INT64_MIN, std::int64_t{480'000}, INT64_MAX})
         EXPECT_EQ(file->read(start, 1'024, world.buffer), 0);
@@ -177,7 +177,7 @@ TEST(ChunkedAudioFile, readsNothingOutsideTheFile) {
 }
 
 TEST(ChunkedAudioFile, standsTheLongestFileThereCanBe) {
-    World world;
+    ChunkWorld world;
     world.audio->frames = INT64_MAX;
     const auto file = world.open();
     world.workers->stepsPerWait = 100;
@@ -186,7 +186,7 @@ TEST(ChunkedAudioFile, standsTheLongestFileThereCanBe) {
 }
 
 TEST(ChunkedAudioFile, allocatesNothingToRead) {
-    World world;
+    ChunkWorld world;
     world.audio->frames = 2'880'000;
     const auto file = world.open();
     std::int64_t playhead = 1'440'000;
@@ -210,7 +210,7 @@ TEST(ChunkedAudioFile, allocatesNothingToRead) {
 }
 
 TEST(ChunkedAudioFile, closesTheFileInTheBackground) {
-    World world;
+    ChunkWorld world;
     auto file = world.open();
     EXPECT_EQ(file->read(0, 1'024, world.buffer), 0);
     file.reset();

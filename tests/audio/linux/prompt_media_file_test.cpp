@@ -27,7 +27,7 @@ using test::TemporaryFolder;
 
 constexpr std::size_t fileBytes = 3'000'000;
 
-struct World {
+struct PromptWorld {
     TemporaryFolder folder;
     std::shared_ptr<ManualMediaWorkers> workers = std::make_shared<ManualMediaWorkers>();
     ManualMediaWorkers::AtEnd atEnd{workers};
@@ -63,7 +63,7 @@ std::size_t bytesAt(std::uint64_t offset, std::size_t count) {
 }
 
 TEST(PromptMediaFile, readsWhatTheFileHasInEveryWay) {
-    World world;
+    PromptWorld world;
     world.workers->stepsPerWait = 1'000;
     std::mt19937 random(20'262);
     for (const auto access : {Access::memory, Access::pageCache, Access::none}) {
@@ -83,7 +83,7 @@ TEST(PromptMediaFile, readsWhatTheFileHasInEveryWay) {
 }
 
 TEST(PromptMediaFile, givesOnlyWhatIsThereWhenTheDiskIsSlow) {
-    World world;
+    PromptWorld world;
     for (const auto access : {Access::pageCache, Access::none}) {
         const auto file = world.open(access);
         std::mt19937 random(5);
@@ -97,7 +97,7 @@ TEST(PromptMediaFile, givesOnlyWhatIsThereWhenTheDiskIsSlow) {
 }
 
 TEST(PromptMediaFile, readsCopiesWithoutWaitingOnceTheyAreThere) {
-    World world;
+    PromptWorld world;
     const auto file = world.open(Access::none);
     EXPECT_EQ(readAndCheck(*file, 100'000, 1'000), 0U);
     EXPECT_EQ(readAndCheck(*file, 100'000, 1'000), 0U);
@@ -120,7 +120,7 @@ TEST(PromptMediaFile, readsCopiesWithoutWaitingOnceTheyAreThere) {
 }
 
 TEST(PromptMediaFile, readsWhatIsInMemoryWithoutWorkersOrAllocations) {
-    World world;
+    PromptWorld world;
     for (const auto access : {Access::pageCache, Access::none}) {
         if (access == Access::pageCache && PosixMediaFile::open(world.path)->access() != access) continue;
         const auto file = world.open(access);
@@ -158,7 +158,7 @@ TEST(PromptMediaFile, doesNotInsistOnAPageCacheThatKeepsNothing) {
 
 TEST(PromptMediaFile, survivesWhatHappensToTheFile) {
     for (const auto access : {Access::memory, Access::pageCache, Access::none}) {
-        World world;
+        PromptWorld world;
         world.workers->stepsPerWait = 10;
         const auto file = world.open(access);
         EXPECT_EQ(readAndCheck(*file, 1'000'000, 4'096), 4'096U);
@@ -181,7 +181,7 @@ TEST(PromptMediaFile, survivesWhatHappensToTheFile) {
 }
 
 TEST(PromptMediaFile, closesTheFileInTheBackground) {
-    World world;
+    PromptWorld world;
     const int lowestFree = ::dup(0);
     ::close(lowestFree);
     auto file = world.open(Access::none);
@@ -194,7 +194,7 @@ TEST(PromptMediaFile, closesTheFileInTheBackground) {
 }
 
 TEST(PromptMediaFile, readsOnThreadsToo) {
-    World world;
+    PromptWorld world;
     const MediaThreads threads;
     for (const auto access : {Access::pageCache, Access::none}) {
         PromptMediaFile file(PosixMediaFile::open(world.path), access, threads.workers());

@@ -11,7 +11,7 @@ namespace orbinex {
 namespace {
 
 const QString devicePath = "/org/bluez/hci0/dev_00_AA_01_01_00_01";
-const QString serviceUUID = QString::fromStdString(OrbinexProtocol::serviceUUID.text()).toLower();
+const QString serviceText = QString::fromStdString(OrbinexProtocol::serviceUUID.text()).toLower();
 
 QVariantMap phone() {
     return {{"Adapter", QVariant::fromValue(QDBusObjectPath("/org/bluez/hci0"))},
@@ -23,7 +23,7 @@ QVariantMap phone() {
             {"Bonded", false},
             {"Connected", true},
             {"ServicesResolved", true},
-            {"UUIDs", QStringList{"garbage", serviceUUID}}};
+            {"UUIDs", QStringList{"garbage", serviceText}}};
 }
 
 TEST(BluezObjects, tellOfADevice) {
@@ -66,7 +66,7 @@ TEST(BluezObjects, surviveEveryPropertyWithEveryWrongType) {
     auto properties = phone();
     properties["Powered"] = true;
     properties["Roles"] = QStringList{"central"};
-    properties["UUID"] = serviceUUID;
+    properties["UUID"] = serviceText;
     properties["Service"] = QVariant::fromValue(QDBusObjectPath("/s"));
     properties["Flags"] = QStringList{"notify"};
     for (const auto& name : properties.keys()) {
@@ -87,7 +87,7 @@ TEST(BluezObjects, surviveEveryPropertyWithEveryWrongType) {
 }
 
 TEST(BluezObjects, findTheServiceWhereItIsNow) {
-    const QVariantMap service{{"UUID", serviceUUID}};
+    const QVariantMap service{{"UUID", serviceText}};
     BluezObjects objects;
     objects.add(devicePath, {{Bluez::device, phone()}});
     objects.add(devicePath + "/service0015", {{Bluez::gattService, service}});
