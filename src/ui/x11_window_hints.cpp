@@ -121,8 +121,7 @@ void tellLaunched(QWindow& window, std::string_view startupToken) {
     const xcb_atom_t further = atomNamed(connection, "_NET_STARTUP_INFO");
     for (std::size_t at = 0; at < size; at += sizeof message.data.data8) {
         std::ranges::fill(message.data.data8, std::uint8_t{0});
-        std::memcpy(message.data.data8, text.c_str() + at,
-                    std::min(sizeof message.data.data8, size - at));
+        std::memcpy(message.data.data8, text.c_str() + at, std::min(sizeof message.data.data8, size - at));
         sendToRoot(connection, message, XCB_EVENT_MASK_PROPERTY_CHANGE);
         message.type = further;
     }

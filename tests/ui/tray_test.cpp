@@ -140,8 +140,9 @@ TEST(SecondLaunch, bringsTheWindowToTheFrontByTheLaunchersToken) {
             }
             return told.find('\0') != std::string::npos;
         })) << isOpen;
-        EXPECT_EQ(told.c_str(), "remove: ID=\"a \\\"launcher\\\\of the desktop\\\" with a long "
-                                "name-4711_TIME4294967295\""s);
+        EXPECT_EQ(told.c_str(),
+                  "remove: ID=\"a \\\"launcher\\\\of the desktop\\\" with a long "
+                  "name-4711_TIME4294967295\""s);
         ASSERT_EQ(activations.size(), 1U) << isOpen;
         EXPECT_EQ(activations[0][0], 1) << "an application asks";
         EXPECT_EQ(static_cast<std::uint32_t>(activations[0][1]), 4294967295U);

@@ -58,7 +58,8 @@ void useThePhonesWindow(Stage& stage) {
     window.drag("trackpad", right, -up);
     stage.expectThat("a drag over its trackpad", "moves the pointer as far", [&] {
         const auto at = stage.screen.pointer();
-        return std::abs(at.x - from.x - right) < fingerTolerance && std::abs(at.y - from.y + up) < fingerTolerance;
+        return std::abs(at.x - from.x - right) < fingerTolerance &&
+               std::abs(at.y - from.y + up) < fingerTolerance;
     });
     const auto typed = "Typed in the window.";
     window.type("field", typed);
