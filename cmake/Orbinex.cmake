@@ -14,7 +14,8 @@ if(ORBINEX_SANITIZE)
     -fsanitize=${ORBINEX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
     # Instrumented and hardly optimised, code is warned of for what it is not; the everyday build says what is worth a warning.
     -Wno-error)
-  target_link_options(orbinex_options INTERFACE -fsanitize=${ORBINEX_SANITIZE})
+  # Sanitizers call dlopen() in the program's place; this kind of search path holds for them too.
+  target_link_options(orbinex_options INTERFACE -fsanitize=${ORBINEX_SANITIZE} -Wl,--disable-new-dtags)
 endif()
 if(ORBINEX_BUILD_FUZZ)
   # The code under test reports its coverage to the fuzzer, not only the fuzz target.
