@@ -11,10 +11,6 @@ MIDIKeeper::Plan SystemMIDIEndpoints::usualPlan() {
     return {.systems = {AlsaConnection::open, JackConnection::open}, .retryDelay = retryDelay};
 }
 
-MIDIKeeper::Plan SystemMIDIEndpoints::jackPlan() {
-    return {.systems = {JackConnection::open}, .retryDelay = retryDelay};
-}
-
 SystemMIDIEndpoints::SystemMIDIEndpoints(MainQueue& queue, MIDIKeeper::Plan plan)
     : queue_(queue), plan_(std::move(plan)) {}
 

@@ -19,7 +19,7 @@ namespace orbinex {
 /// leaves one that does not answer to its thread.
 class SystemMIDIEndpoints final : public MIDIEndpoints {
   public:
-    static constexpr std::chrono::milliseconds retryDelay{2000};
+    static constexpr std::chrono::milliseconds retryDelay{5000};
     static constexpr std::chrono::milliseconds closingTime{1000};
 
     /// The queue must outlive it.
@@ -32,8 +32,6 @@ class SystemMIDIEndpoints final : public MIDIEndpoints {
     void stop() override;
 
     static MIDIKeeper::Plan usualPlan();
-    /// For what has a JACK server of its own, on a computer whose sequencer others use.
-    static MIDIKeeper::Plan jackPlan();
 
   private:
     void noteChange();

@@ -185,12 +185,6 @@ void HeldLedger::write() {
                     reinterpret_cast<const unsigned char*>(words_.data()), static_cast<int>(words_.size()));
 }
 
-bool HeldLedger::isHeld(HeldItem::Kind kind, std::uint8_t code) const {
-    return std::ranges::any_of(entries_, [&](const Entry& entry) {
-        return entry.isHeld && entry.item.kind == kind && entry.item.code == code;
-    });
-}
-
 std::vector<HeldItem> HeldLedger::items() const {
     std::vector<HeldItem> held;
     for (const Entry& entry : entries_) {

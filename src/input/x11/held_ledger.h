@@ -55,7 +55,6 @@ class HeldLedger {
     /// Brings the property up to date, and removes it when nothing is held.
     void settle();
 
-    [[nodiscard]] bool isHeld(HeldItem::Kind kind, std::uint8_t code) const;
     /// Everything that is held.
     [[nodiscard]] std::vector<HeldItem> items() const;
 

@@ -46,8 +46,4 @@ void SpareKeyPool::forget(XKeycode keycode) {
     if (key != keys_.end()) key->keysym = 0;
 }
 
-bool SpareKeyPool::contains(XKeycode keycode) const {
-    return std::ranges::find(keys_, keycode, &Key::keycode) != keys_.end();
-}
-
 }  // namespace orbinex

@@ -46,8 +46,6 @@ class SpareKeyPool {
     void forget(XKeycode keycode);
 
     [[nodiscard]] std::span<const Key> keys() const { return keys_; }
-    /// True when the key belongs to the pool.
-    [[nodiscard]] bool contains(XKeycode keycode) const;
 
   private:
     std::vector<Key> keys_;
