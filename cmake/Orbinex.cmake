@@ -46,6 +46,14 @@ function(orbinex_test name)
   target_link_libraries(${name} PRIVATE orbinex_options ${ARG_DEPENDS} GTest::gmock GTest::gtest_main)
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}")
+  orbinex_report(${name})
+endfunction()
+
+# orbinex_report(TEST): the test leaves a report of its cases under its own name, for scripts/test to count; two that run the
+# same program at a time do not write over each other's.
+function(orbinex_report test)
+  set_tests_properties(${test} PROPERTIES
+    ENVIRONMENT_MODIFICATION GTEST_OUTPUT=set:xml:${CMAKE_BINARY_DIR}/reports/${test}.xml)
 endfunction()
 
 # orbinex_bench(NAME SOURCES file... [DEPENDS target...]): one Google Benchmark program.
