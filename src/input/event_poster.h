@@ -66,6 +66,10 @@ class EventPoster {
     [[nodiscard]] virtual std::span<const Rect> activeDisplays() = 0;
     [[nodiscard]] virtual Rect mainDisplay() = 0;
 
+    /// Tells that this valid UTF-8 text is typed next, character by character, on keys and as Unicode. A
+    /// poster that first has to make characters ready can do so for all of them at once.
+    virtual void expectText(std::string_view /*text*/) {}
+
     virtual bool postMouse(const MouseEvent& event) = 0;
     virtual bool postScroll(const ScrollEvent& event) = 0;
     virtual bool postKey(const KeyEvent& event) = 0;

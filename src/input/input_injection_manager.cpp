@@ -14,6 +14,11 @@ namespace {
 constexpr std::uint16_t returnKeycode = 36;
 constexpr std::uint16_t tabKeycode = 48;
 
+/// Text with one of these is a shortcut.
+bool isShortcut(ModifierFlags modifiers) {
+    return modifiers.contains(ModifierFlags::control) || modifiers.contains(ModifierFlags::command);
+}
+
 /// Nearest integer, halves away from zero, within the 64-bit range.
 std::int64_t saturatingRound(double value) {
     constexpr double limit = 9223372036854775808.0;
@@ -83,6 +88,7 @@ void InputInjectionManager::apply(const DecodedPacket::KeyStroke& stroke) {
 }
 
 void InputInjectionManager::apply(const DecodedPacket::Text& text) {
+    if (!isShortcut(text.modifiers)) poster_.expectText(text.text);
     for (std::string_view rest = text.text; !rest.empty();) {
         const std::size_t length = firstCharacterLength(rest);
         if (length == 0) return;
@@ -98,13 +104,11 @@ void InputInjectionManager::typeCharacter(std::string_view character, ModifierFl
         return;
     }
     const LayoutTable& table = layoutMapper_.table();
-    const bool isShortcut =
-        modifiers.contains(ModifierFlags::control) || modifiers.contains(ModifierFlags::command);
     auto mapping = table.find(character);
-    if (!mapping && isShortcut) mapping = table.find(lowercased(character));
+    if (!mapping && isShortcut(modifiers)) mapping = table.find(lowercased(character));
     if (mapping) {
         strokeKey(mapping->keycode, eventFlags(mapping->modifiers | modifiers));
-    } else if (isShortcut && fallbackKeycode) {
+    } else if (isShortcut(modifiers) && fallbackKeycode) {
         strokeKey(*fallbackKeycode, eventFlags(modifiers));
     } else {
         typeUnicode(character);

@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <string>
 #include <utility>
 
 #include <X11/Xlib.h>
 #include <X11/extensions/XTest.h>
+
+#include "base/text.h"
 
 namespace orbinex {
 
@@ -26,6 +29,25 @@ bool isMotion(const MouseEvent& event) {
 
 bool isRelease(const MouseEvent& event) {
     return event.type == MouseEvent::Type::leftUp || event.type == MouseEvent::Type::rightUp;
+}
+
+/// Calls `use` with every whole character of the units. `high` is the first half of a character that earlier
+/// units ended with, and afterwards that of these.
+template <class Use>
+void forEachScalar(std::u16string_view units, char16_t& high, Use use) {
+    for (const char16_t unit : units) {
+        if (unit >= 0xD800 && unit < 0xDC00) {
+            high = unit;
+            continue;
+        }
+        const char16_t first = std::exchange(high, u'\0');
+        char32_t scalar = unit;
+        if (unit >= 0xDC00 && unit < 0xE000) {
+            if (first == 0) continue;
+            scalar = 0x10000U + ((static_cast<char32_t>(first) - 0xD800U) << 10U) + (scalar - 0xDC00U);
+        }
+        use(scalar);
+    }
 }
 
 }  // namespace
@@ -52,6 +74,18 @@ Point X11EventPoster::pointerLocation() {
     return waitingLocation_ ? *waitingLocation_ : pointer_.location();
 }
 
+void X11EventPoster::expectText(std::string_view text) {
+    // What waits has its own use for the spare keys.
+    if (!waiting_.empty() || !connection_.isAlive() || !connection_.hasXTest()) return;
+    std::u32string scalars;
+    char16_t high = 0;
+    forEachScalar(utf16(text), high, [&](char32_t scalar) { scalars += scalar; });
+    // A single character is made ready before its own press.
+    if (scalars.size() < 2) return;
+    noteKeyboardUse();
+    keyboard_.expect(scalars, queue_.uptime());
+}
+
 bool X11EventPoster::postMouse(const MouseEvent& event) {
     return post(event);
 }
@@ -67,19 +101,7 @@ bool X11EventPoster::postKey(const KeyEvent& event) {
 bool X11EventPoster::postUnicode(std::u16string_view units, bool isDown) {
     if (!isDown) return connection_.isAlive() && connection_.hasXTest();
     bool isPosted = true;
-    for (const char16_t unit : units) {
-        if (unit >= 0xD800 && unit < 0xDC00) {
-            highSurrogate_ = unit;
-            continue;
-        }
-        const char16_t high = std::exchange(highSurrogate_, u'\0');
-        char32_t scalar = unit;
-        if (unit >= 0xDC00 && unit < 0xE000) {
-            if (high == 0) continue;
-            scalar = 0x10000U + ((static_cast<char32_t>(high) - 0xD800U) << 10U) + (scalar - 0xDC00U);
-        }
-        isPosted = post(scalar) && isPosted;
-    }
+    forEachScalar(units, highSurrogate_, [&](char32_t scalar) { isPosted = post(scalar) && isPosted; });
     return isPosted;
 }
 

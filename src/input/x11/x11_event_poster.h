@@ -45,6 +45,7 @@ class X11EventPoster final : public EventPoster {
     [[nodiscard]] Point pointerLocation() override;
     [[nodiscard]] std::span<const Rect> activeDisplays() override { return displays_.active(); }
     [[nodiscard]] Rect mainDisplay() override { return displays_.main(); }
+    void expectText(std::string_view text) override;
     bool postMouse(const MouseEvent& event) override;
     bool postScroll(const ScrollEvent& event) override;
     /// False also for keys that a PC keyboard does not have, such as fn.

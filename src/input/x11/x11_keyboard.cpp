@@ -200,6 +200,17 @@ X11Keyboard::Typed X11Keyboard::type(char32_t scalar, std::chrono::nanoseconds n
     return connection_.flush() ? Typed::done : Typed::impossible;
 }
 
+void X11Keyboard::expect(std::u32string_view scalars, std::chrono::nanoseconds now) {
+    if (!readKeymap()) return;
+    const unsigned group = state().group;
+    for (const char32_t scalar : scalars) {
+        const XKeysym keysym = keysymOfScalar(scalar);
+        if (keysym == NoSymbol || scalar < U' ' || keymap_->find(scalar, group)) continue;
+        const auto loan = pool_.lend(keysym, now);
+        if (!loan || (loan->needsMapping && !lendTo(*loan, keysym))) return;
+    }
+}
+
 bool X11Keyboard::lendTo(const SpareKeyPool::Loan& loan, XKeysym keysym) {
     if (!ledger_.hold({HeldItem::Kind::spareKey, loan.keycode, keysym})) {
         pool_.forget(loan.keycode);

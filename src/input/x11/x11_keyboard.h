@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string_view>
 #include <vector>
 
 #include "base/signal.h"
@@ -40,6 +41,10 @@ class X11Keyboard {
         impossible,
     };
     Typed type(char32_t scalar, std::chrono::nanoseconds now);
+    /// Lends spare keys to those of these characters that need one, as far as there are any at the moment. A
+    /// program that reads the keyboard map for the first time as it handles its first key, as Xlib does, can
+    /// miss what changes meanwhile; so nothing should change within a text.
+    void expect(std::u32string_view scalars, std::chrono::nanoseconds now);
     [[nodiscard]] std::optional<std::chrono::nanoseconds> nextFree() const { return pool_.nextFree(); }
 
     /// Takes back the characters that were lent to spare keys.

@@ -98,6 +98,30 @@ TEST_F(X11TypingTest, textThatNoLayoutHasArrivesWholeAndInOrder) {
     for (const std::string& text : texts) EXPECT_EQ(typed(input, text), text);
 }
 
+// A program that handles the first key of its life reads the keyboard map, and may not hear of changes while
+// it does. So the keys of a text are ready before the first of them is pressed.
+TEST_F(X11TypingTest, theKeyboardMapDoesNotChangeWithinAText) {
+    X11Input input(server->display());
+    // Xlib tells of changes once it has read the map.
+    EXPECT_EQ(typed(input, "a"), "a");
+    for (const std::string text : {"Grüße, 12 €!", "naïve Größen"}) {
+        input.manager.handle({DecodedPacket::Text{text, none, std::nullopt}});
+        input.sync();
+        std::string seen;
+        bool isMadeReady = false;
+        for (const auto& event : client->takeEvents()) {
+            if (event.type == Type::mapping) {
+                isMadeReady = true;
+                EXPECT_EQ(seen, "");
+            }
+            if (event.type == Type::keyPress) seen += event.text;
+        }
+        EXPECT_EQ(seen, text);
+        EXPECT_TRUE(isMadeReady);
+    }
+    letTimePass(input);
+}
+
 TEST_F(X11TypingTest, whatFollowsTextWaitsForIt) {
     X11Input input(server->display());
     client->takeEvents();

@@ -76,9 +76,12 @@ void XClient::handleEvents() {
     while (XPending(display_) > 0) {
         XEvent event;
         XNextEvent(display_, &event);
-        if (event.type == MappingNotify) XRefreshKeyboardMapping(&event.xmapping);
         Event seen;
         switch (event.type) {
+            case MappingNotify:
+                XRefreshKeyboardMapping(&event.xmapping);
+                seen.type = Type::mapping;
+                break;
             case KeyPress:
             case KeyRelease: {
                 seen.type = event.type == KeyPress ? Type::keyPress : Type::keyRelease;

@@ -14,7 +14,7 @@ namespace orbinex::test {
 class XClient {
   public:
     struct Event {
-        enum class Type { keyPress, keyRelease, buttonPress, buttonRelease, motion };
+        enum class Type { keyPress, keyRelease, buttonPress, buttonRelease, motion, mapping };
         Type type = Type::motion;
         /// What the key gives by the keyboard map at the time of handling, with compose sequences applied.
         std::string text;
