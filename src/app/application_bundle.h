@@ -17,6 +17,8 @@ class ApplicationBundle {
     ApplicationBundle& operator=(const ApplicationBundle&) = delete;
     virtual ~ApplicationBundle() = default;
 
+    // The places of the program and of folders are compared by their names: they are told without links.
+
     /// Where the running program lies; nothing when it is not one that can be moved, such as one that the
     /// system's packages have installed.
     [[nodiscard]] virtual std::optional<std::string> path() const = 0;

@@ -15,12 +15,6 @@ constexpr std::string_view testBundleEnding = ".xctest";
 /// For the applications of all users.
 constexpr std::array systemFolders{"/Applications"sv, "/System/Applications"sv};
 
-bool isBelow(std::string_view path, std::string_view folder) {
-    while (folder.ends_with('/')) folder.remove_suffix(1);
-    return !folder.empty() && path.starts_with(folder) &&
-           (path.size() == folder.size() || path[folder.size()] == '/');
-}
-
 }  // namespace
 
 bool isMoveOffered(const RelocationFacts& facts) {
@@ -35,9 +29,15 @@ bool isMoveOffered(const RelocationFacts& facts) {
 }
 
 bool isInApplicationsFolder(std::string_view path, std::optional<std::string_view> userApplicationsFolder) {
-    const auto holdsIt = [&](std::string_view folder) { return isBelow(path, folder); };
+    const auto holdsIt = [&](std::string_view folder) { return isIn(path, folder); };
     return std::ranges::any_of(systemFolders, holdsIt) ||
            (userApplicationsFolder && holdsIt(*userApplicationsFolder));
+}
+
+bool isIn(std::string_view path, std::string_view folder) {
+    while (folder.ends_with('/')) folder.remove_suffix(1);
+    return !folder.empty() && path.starts_with(folder) &&
+           (path.size() == folder.size() || path[folder.size()] == '/');
 }
 
 std::string_view lastPathComponent(std::string_view path) {

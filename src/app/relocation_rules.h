@@ -24,6 +24,9 @@ inline constexpr const char* testHostVariable = "XCTestConfigurationFilePath";
 [[nodiscard]] bool isInApplicationsFolder(std::string_view path,
                                           std::optional<std::string_view> userApplicationsFolder);
 
+/// The path is the folder, or lies below it. By their names alone: links have to be followed before.
+[[nodiscard]] bool isIn(std::string_view path, std::string_view folder);
+
 /// The last component of a path; empty when it has none.
 [[nodiscard]] std::string_view lastPathComponent(std::string_view path);
 

@@ -163,6 +163,18 @@ TEST(AppRelocationManager, explainsHowToMoveItByHandWhateverFails) {
     }
 }
 
+TEST(AppRelocationManager, movesNothingOntoOrIntoTheRunningProgram) {
+    for (const std::string path : {"/data/Orbinex.app", "/data"}) {
+        Launch launch;
+        launch.bundle.location = path;
+        launch.bundle.folder = "/data";
+        launch.bundle.files.insert("/data/Orbinex.app");
+        launch.offer();
+        launch.manager.answer(0);
+        EXPECT_EQ(launch.bundle.calls, (Calls{"reveal " + path, "folder /data"}));
+    }
+}
+
 TEST(AppRelocationManager, isSafeToGoAtAnyTime) {
     VirtualMainQueue queue;
     MemoryDefaults defaults;

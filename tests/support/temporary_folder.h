@@ -14,7 +14,7 @@ class TemporaryFolder {
   public:
     TemporaryFolder() {
         std::string pattern = (std::filesystem::temp_directory_path() / "orbinex-test-XXXXXX").string();
-        path_ = ::mkdtemp(pattern.data());
+        path_ = std::filesystem::canonical(::mkdtemp(pattern.data()));
     }
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;

@@ -19,6 +19,7 @@
 #include "app/linux/application_id.h"
 #include "app/linux/desktop_entry.h"
 #include "app/linux/folder_copy.h"
+#include "app/linux/real_path.h"
 #include "app/linux/small_file.h"
 
 namespace orbinex {
@@ -64,6 +65,10 @@ QDBusMessage showInFileManager(const std::string& path) {
 LinuxBundle::LinuxBundle(ProgramPlace place, UserFolders folders, Ports ports)
     : place_(std::move(place)), folders_(std::move(folders)), ports_(std::move(ports)) {}
 LinuxBundle::~LinuxBundle() = default;
+
+std::string LinuxBundle::applicationsFolder() const {
+    return realPath(folders_.home + "/Applications");
+}
 
 bool LinuxBundle::hasEnvironmentVariable(const char* name) const {
     return std::getenv(name) != nullptr;

@@ -45,7 +45,7 @@ class LinuxBundle final : public ApplicationBundle {
 
     [[nodiscard]] std::optional<std::string> path() const override { return place_.bundle; }
     [[nodiscard]] bool hasEnvironmentVariable(const char* name) const override;
-    [[nodiscard]] std::string applicationsFolder() const override { return folders_.home + "/Applications"; }
+    [[nodiscard]] std::string applicationsFolder() const override;
     [[nodiscard]] std::optional<std::string> userApplicationsFolder() const override {
         return applicationsFolder();
     }

@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include "app/linux/application_id.h"
+#include "app/linux/real_path.h"
 #include "app/relocation_rules.h"
 
 namespace orbinex {
@@ -70,8 +71,8 @@ ProgramPlace programPlace(const ProgramFacts& facts) {
 
 ProgramPlace ownPlace() {
     return programPlace({.executable = ownExecutable(),
-                         .imageFile = variable("APPIMAGE"),
-                         .imageFolder = variable("APPDIR"),
+                         .imageFile = realPath(variable("APPIMAGE")),
+                         .imageFolder = realPath(variable("APPDIR")),
                          .exists = [](const std::string& path) {
                              struct stat about {};
                              return ::stat(path.c_str(), &about) == 0;

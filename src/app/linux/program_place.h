@@ -6,7 +6,7 @@
 
 namespace orbinex {
 
-/// Where a program lies and what it is part of. Paths are absolute.
+/// Where a program lies and what it is part of. Paths are absolute and without links.
 struct ProgramPlace {
     /// What starts it.
     std::string program;

@@ -1,6 +1,5 @@
 #include "app/linux/linux_bundle.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <optional>
 #include <set>
@@ -16,8 +15,10 @@
 #include "app/linux/application_id.h"
 #include "app/linux/desktop_entry.h"
 #include "app/linux/folder_copy.h"
+#include "app/linux/real_path.h"
 #include "sim/memory_defaults.h"
 #include "sim/virtual_main_queue.h"
+#include "support/environment_variable.h"
 #include "support/temporary_folder.h"
 
 namespace orbinex {
@@ -182,17 +183,13 @@ TEST(LinuxBundle, movesToTheUsersApplicationsAndEndsOnceTheCopyHasTakenOver) {
 
 TEST(LinuxBundle, putsAnOldCopyIntoTheTrash) {
     Home home;
-    const char* const usualHome = std::getenv("HOME");
-    const std::string homeBefore = usualHome ? usualHome : "";
     // The home's trash takes what lies on the home's file system.
-    ASSERT_EQ(::setenv("HOME", (home.folder / "").c_str(), 1), 0);
-    ASSERT_EQ(::setenv("XDG_DATA_HOME", (home.folder / "data").c_str(), 1), 0);
+    const test::EnvironmentVariable homeFolder("HOME", home.folder / "");
+    const test::EnvironmentVariable dataFolder("XDG_DATA_HOME", home.folder / "data");
     home.folder.write("Applications/orbinex-1/bin/orbinex", "old code");
     home.manager.answer(0);
     EXPECT_EQ(home.folder.read("Applications/orbinex-1/bin/orbinex"), "code");
     EXPECT_EQ(home.folder.read("data/Trash/files/orbinex-1/bin/orbinex"), "old code");
-    ::unsetenv("XDG_DATA_HOME");
-    ::setenv("HOME", homeBefore.c_str(), 1);
 }
 
 TEST(LinuxBundle, deletesAnOldCopyThatHasNoTrashToGoTo) {
@@ -233,15 +230,33 @@ TEST(LinuxBundle, explainsWhereItMayNotWrite) {
 
 TEST(LinuxBundle, asksForNothingInTheApplicationsFolder) {
     const test::TemporaryFolder folder;
-    VirtualMainQueue queue;
-    DesktopOpener opener({}, "", [](const Command&) { return false; });
-    LinuxBundle bundle({folder / "Applications/orbinex/bin/orbinex", folder / "Applications/orbinex", ""},
-                       {folder.path(), "", ""}, {queue, opener, {}, {}, {}});
-    MemoryDefaults defaults;
-    AppRelocationManager manager(queue, defaults, bundle);
-    manager.offerMoveIfNeeded();
-    queue.advance(1min);
-    EXPECT_FALSE(*manager.alert);
+    // The folder itself, one on another disk, and a home that is a link.
+    fs::create_directories(folder / "plain/Applications");
+    fs::create_directories(folder / "disk/programs");
+    fs::create_directories(folder / "linked");
+    fs::create_directory_symlink("../disk/programs", folder / "linked/Applications");
+    fs::create_directory_symlink("plain", folder / "other");
+    const struct {
+        const char* home;
+        const char* program;
+        bool isOffered;
+    } rows[] = {{"plain", "plain/Applications/orbinex", false},
+                {"plain", "disk/programs/orbinex", true},
+                {"linked", "disk/programs/orbinex", false},
+                {"other", "plain/Applications/orbinex", false},
+                {"absent", "plain/Applications/orbinex", true}};
+    for (const auto& row : rows) {
+        VirtualMainQueue queue;
+        DesktopOpener opener({}, "", [](const Command&) { return false; });
+        const auto program = realPath(folder / row.program);
+        LinuxBundle bundle({program + "/bin/orbinex", program, ""}, {folder / row.home, "", ""},
+                           {queue, opener, {}, {}, {}});
+        MemoryDefaults defaults;
+        AppRelocationManager manager(queue, defaults, bundle);
+        manager.offerMoveIfNeeded();
+        queue.advance(1min);
+        EXPECT_EQ(manager.alert->has_value(), row.isOffered) << row.home << " " << row.program;
+    }
 }
 
 }  // namespace
