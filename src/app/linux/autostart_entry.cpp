@@ -23,6 +23,20 @@ bool isTurnedOff(std::string_view text, const std::vector<std::string>& desktops
            isNamed(desktopEntryList(text, "NotShowIn"), desktops);
 }
 
+/// The program that an entry starts as this program writes it; nothing when somebody has changed what it
+/// does.
+std::optional<std::string> ownProgram(std::string_view text) {
+    const auto arguments = execArguments(desktopEntryValue(text, "Exec").value_or(std::string()));
+    if (arguments.size() != 2 || !arguments[0].starts_with('/') || arguments[1] != loginLaunchArgument)
+        return std::nullopt;
+    return arguments[0];
+}
+
+std::string starting(const std::string& program, std::string_view text) {
+    return withDesktopEntryValue(withDesktopEntryValue(text, "TryExec", program), "Exec",
+                                 execValue({program, loginLaunchArgument}));
+}
+
 }  // namespace
 
 LoginItemStatus autostartStatus(const std::optional<std::string>& text,
@@ -31,14 +45,22 @@ LoginItemStatus autostartStatus(const std::optional<std::string>& text,
     if (!text) return LoginItemStatus::notRegistered;
     if (isTurnedOff(*text, desktops)) return LoginItemStatus::requiresApproval;
     const auto arguments = execArguments(desktopEntryValue(*text, "Exec").value_or(std::string()));
-    const bool isThere = !arguments.empty() && isProgram(arguments.front());
+    const auto condition = desktopEntryValue(*text, "TryExec");
+    const bool isThere =
+        !arguments.empty() && isProgram(arguments.front()) && (!condition || isProgram(*condition));
     return isThere ? LoginItemStatus::enabled : LoginItemStatus::notFound;
 }
 
 std::string autostartText(const std::string& program) {
-    return std::string("[Desktop Entry]\nType=Application\nName=Orbinex\n") +
-           execLine({program, loginLaunchArgument}) + "Icon=" + applicationId +
-           "\nTerminal=false\nX-GNOME-Autostart-enabled=true\n";
+    return starting(program, std::string("[Desktop Entry]\nType=Application\nName=Orbinex\nIcon=") +
+                                 applicationId + "\nTerminal=false\nX-GNOME-Autostart-enabled=true\n");
+}
+
+std::optional<std::string> autostartTextFollowing(const std::string& program, std::string_view text,
+                                                  const std::vector<std::string>& desktops) {
+    const auto former = ownProgram(text);
+    if (!former || *former == program || isTurnedOff(text, desktops)) return std::nullopt;
+    return starting(program, text);
 }
 
 }  // namespace orbinex

@@ -24,4 +24,10 @@ inline constexpr const char* loginLaunchArgument = "--at-login";
 /// The text of an entry that starts this program at login.
 [[nodiscard]] std::string autostartText(const std::string& program);
 
+/// The text of an entry that is on and starts another copy of the program, changed to start this one. Nothing
+/// when there is nothing to change: it starts this one, is off, or starts what somebody has made of it.
+[[nodiscard]] std::optional<std::string> autostartTextFollowing(const std::string& program,
+                                                                std::string_view text,
+                                                                const std::vector<std::string>& desktops);
+
 }  // namespace orbinex

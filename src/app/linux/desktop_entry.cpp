@@ -7,6 +7,7 @@ namespace orbinex {
 namespace {
 
 constexpr std::string_view blanks = " \t\r";
+constexpr std::string_view groupHeader = "[Desktop Entry]";
 
 std::string_view trimmed(std::string_view text) {
     const auto first = text.find_first_not_of(blanks);
@@ -14,15 +15,30 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
-std::optional<std::string_view> rawValue(std::string_view text, std::string_view key) {
-    bool isInGroup = false;
+/// A part of the text.
+std::optional<std::string_view> groupLine(std::string_view text) {
     for (const auto line : split(text, '\n')) {
-        if (line.starts_with('[')) isInGroup = trimmed(line) == "[Desktop Entry]";
-        const auto equals = line.find('=');
-        if (!isInGroup || equals == std::string_view::npos) continue;
-        if (trimmed(line.substr(0, equals)) == key) return trimmed(line.substr(equals + 1));
+        if (trimmed(line) == groupHeader) return line;
     }
     return std::nullopt;
+}
+
+/// A part of the text.
+std::optional<std::string_view> keyLine(std::string_view text, std::string_view key) {
+    bool isInGroup = false;
+    for (const auto line : split(text, '\n')) {
+        if (line.starts_with('[')) isInGroup = trimmed(line) == groupHeader;
+        const auto equals = line.find('=');
+        if (isInGroup && equals != std::string_view::npos && trimmed(line.substr(0, equals)) == key)
+            return line;
+    }
+    return std::nullopt;
+}
+
+std::optional<std::string_view> rawValue(std::string_view text, std::string_view key) {
+    const auto line = keyLine(text, key);
+    if (!line) return std::nullopt;
+    return trimmed(line->substr(line->find('=') + 1));
 }
 
 char unescaped(char c) {
@@ -33,6 +49,23 @@ char unescaped(char c) {
         case 'r': return '\r';
         default: return c;
     }
+}
+
+std::string escapedValue(std::string_view value) {
+    std::string text;
+    for (const char c : value) {
+        switch (c) {
+            case '\\': text += "\\\\"; break;
+            case '\n': text += "\\n"; break;
+            case '\t': text += "\\t"; break;
+            case '\r': text += "\\r"; break;
+            default: text += c;
+        }
+    }
+    // Blanks around a value are not part of it.
+    if (text.starts_with(' ')) text.replace(0, 1, "\\s");
+    if (text.ends_with(' ')) text.replace(text.size() - 1, 1, "\\s");
+    return text;
 }
 
 bool needsQuotes(std::string_view argument) {
@@ -100,24 +133,23 @@ std::vector<std::string> execArguments(std::string_view exec) {
     return arguments;
 }
 
-std::string execLine(const std::vector<std::string>& arguments) {
-    std::string line;
-    for (const auto& argument : arguments) line += (line.empty() ? "" : " ") + quotedArgument(argument);
-    return "Exec=" + escapedValue(line) + "\n";
+std::string execValue(const std::vector<std::string>& arguments) {
+    std::string value;
+    for (const auto& argument : arguments) value += (value.empty() ? "" : " ") + quotedArgument(argument);
+    return value;
 }
 
-std::string escapedValue(std::string_view value) {
-    std::string text;
-    for (const char c : value) {
-        switch (c) {
-            case '\\': text += "\\\\"; break;
-            case '\n': text += "\\n"; break;
-            case '\t': text += "\\t"; break;
-            case '\r': text += "\\r"; break;
-            default: text += c;
-        }
-    }
-    return text.starts_with(' ') ? "\\s" + text.substr(1) : text;
+std::string withDesktopEntryValue(std::string_view text, std::string_view key, std::string_view value) {
+    const auto header = groupLine(text);
+    if (!header) return std::string(text);
+    const auto line = keyLine(text, key);
+    // Or the empty place behind the header.
+    const auto replaced = line.value_or(header->substr(header->size()));
+    const auto start = static_cast<std::size_t>(replaced.data() - text.data());
+    std::string changed(text.substr(0, start));
+    if (!line) changed += '\n';
+    changed += std::string(key) + "=" + escapedValue(value);
+    return changed += text.substr(start + replaced.size());
 }
 
 }  // namespace orbinex

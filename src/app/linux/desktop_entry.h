@@ -20,10 +20,13 @@ namespace orbinex {
 
 /// The arguments of a command line as the key Exec holds it; quotes that do not close end at the end.
 [[nodiscard]] std::vector<std::string> execArguments(std::string_view exec);
-/// A line of a desktop entry that makes launchers start just these arguments.
-[[nodiscard]] std::string execLine(const std::vector<std::string>& arguments);
+/// The value of the key Exec that makes launchers start just these arguments.
+[[nodiscard]] std::string execValue(const std::vector<std::string>& arguments);
 
-/// A value with the escapes that strings need.
-[[nodiscard]] std::string escapedValue(std::string_view value);
+/// The text with another value for a key of the group "Desktop Entry", in the place of the old one, or first
+/// in the group; whatever else there is stays as it is. `value` is as desktopEntryValue() gives it. A text
+/// without such a group stays as it is.
+[[nodiscard]] std::string withDesktopEntryValue(std::string_view text, std::string_view key,
+                                                std::string_view value);
 
 }  // namespace orbinex

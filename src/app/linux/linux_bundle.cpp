@@ -43,12 +43,10 @@ void removeDownloadMarks(const std::string& path) {
         clear(item->path());
 }
 
-std::string launcherText(const std::string& program) {
-    return std::string(
-               "[Desktop Entry]\nType=Application\nName=Orbinex\n"
-               "Comment=Use your iPhone as trackpad, keyboard and editing surface\n") +
-           execLine({program}) + "Icon=" + applicationId +
-           "\nTerminal=false\nCategories=Utility;\nStartupWMClass=orbinex\n";
+/// What makes the copy known is what came with it, apart from where it lies.
+std::string launcherText(const std::string& text, const std::string& program) {
+    return withDesktopEntryValue(withDesktopEntryValue(text, "TryExec", program), "Exec",
+                                 execValue({program}));
 }
 
 QDBusMessage showInFileManager(const std::string& path) {
@@ -113,17 +111,22 @@ void LinuxBundle::prepareCopy(const std::string& path) {
     const std::string icon = std::string("/icons/hicolor/scalable/apps/") + applicationId + ".svg";
     if (const auto drawing = readSmallFile(place_.root + "/share" + icon))
         writeSmallFile(folders_.data + icon, *drawing);
-    writeSmallFile(folders_.data + "/applications/" + applicationId + ".desktop", launcherText(program));
+    const std::string launcher = std::string("/applications/") + applicationId + ".desktop";
+    if (const auto text = readSmallFile(place_.root + "/share" + launcher))
+        writeSmallFile(folders_.data + launcher, launcherText(*text, program));
 }
 
 void LinuxBundle::launch(const std::string& path, std::function<void(bool)> answer) {
     answer_ = std::move(answer);
     ports_.handover.release();
-    if (!ports_.start({programIn(path)}))
-        return ports_.queue.post(lifetime_.guard([this] { finishLaunch(false); }));
+    const std::string program = programIn(path);
+    if (!ports_.start({program})) return ports_.queue.post(lifetime_.guard([this] { finishLaunch(false); }));
     const auto deadline = ports_.queue.uptime() + launchLimit;
-    launchCheck_ = ports_.queue.every(launchCheckInterval, [this, deadline] {
-        if (ports_.handover.isTaken()) return finishLaunch(true);
+    launchCheck_ = ports_.queue.every(launchCheckInterval, [this, deadline, program] {
+        if (ports_.handover.isTaken()) {
+            ports_.startAtLogin(program);
+            return finishLaunch(true);
+        }
         if (ports_.queue.uptime() >= deadline) finishLaunch(false);
     });
 }

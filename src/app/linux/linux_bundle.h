@@ -37,6 +37,8 @@ class LinuxBundle final : public ApplicationBundle {
         DesktopOpener& opener;
         DesktopOpener::Start start;
         Handover handover;
+        /// If a copy of the program starts at login, it is this one from now on.
+        std::function<void(const std::string& program)> startAtLogin;
         std::function<void()> quit;
     };
 

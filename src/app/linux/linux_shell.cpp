@@ -20,6 +20,7 @@ LinuxShell::LinuxShell(MainQueue& queue, SingleInstance& instance, std::function
                startDetached,
                {[&instance] { instance.release(); }, [&instance] { return instance.isTaken(); },
                 [&instance] { instance.reclaim(); }},
+               [this](const std::string& program) { loginItem_.follow(program); },
                std::move(quit)}) {}
 
 }  // namespace orbinex

@@ -44,4 +44,14 @@ LoginItemService::Failure XdgAutostart::unregisterItem() {
     return std::generic_category().message(errno);
 }
 
+void XdgAutostart::follow(const std::string& program) {
+    const auto changed =
+        autostartTextFollowing(program, readEntry(file_).value_or(std::string()), places_.desktops);
+    if (changed) writeSmallFile(file_, *changed);
+}
+
+void XdgAutostart::repair() {
+    if (status() == LoginItemStatus::notFound) follow(places_.program);
+}
+
 }  // namespace orbinex

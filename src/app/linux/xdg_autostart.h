@@ -27,6 +27,12 @@ class XdgAutostart final : public LoginItemService {
     Failure unregisterItem() override;
     void openSystemSettings() override { openSettings_(); }
 
+    /// From now on an entry that is on starts this copy of the program, unless somebody has changed what it
+    /// starts.
+    void follow(const std::string& program);
+    /// The same for this program, where what the entry starts is gone.
+    void repair();
+
   private:
     Places places_;
     std::string file_;

@@ -33,13 +33,36 @@ TEST(DesktopEntry, startsJustTheArgumentsThatWereWritten) {
          {"/usr/bin/orbinex", "/home/ada/My Programs/Orbinex.AppImage", "/a\"b'c`d$e\\f", "/100%/%f %%",
           "/x; rm -rf ~", "/tab\there", "/line\nbreak\nExec=evil", "/sch\xc3\xb6n", "/a=b", ""}) {
         const Arguments arguments{program, "--at-login"};
-        const auto line = execLine(arguments);
-        EXPECT_EQ(std::count(line.begin(), line.end(), '\n'), 1) << line;
-        const auto value = desktopEntryValue("[Desktop Entry]\n" + line, "Exec");
+        const auto text = withDesktopEntryValue("[Desktop Entry]\n", "Exec", execValue(arguments));
+        EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 2) << text;
+        const auto value = desktopEntryValue(text, "Exec");
         ASSERT_TRUE(value);
-        EXPECT_EQ(execArguments(*value), arguments) << line;
+        EXPECT_EQ(execArguments(*value), arguments) << text;
     }
-    EXPECT_EQ(execLine({"/usr/bin/orbinex", "--at-login"}), "Exec=/usr/bin/orbinex --at-login\n");
+    EXPECT_EQ(execValue({"/usr/bin/orbinex", "--at-login"}), "/usr/bin/orbinex --at-login");
+}
+
+TEST(DesktopEntry, changesOneValueAndNothingElse) {
+    const struct {
+        const char* before;
+        const char* value;
+        const char* after;
+    } rows[] = {
+        {"[Desktop Entry]\nA=1\nKey = old\r\nKey[de]=alt\n", "new",
+         "[Desktop Entry]\nA=1\nKey=new\nKey[de]=alt\n"},
+        {"[Desktop Entry]\nKey=old", " a\\b\n ", "[Desktop Entry]\nKey=\\sa\\\\b\\n\\s"},
+        {"# Key=x\n[Other]\nKey=1\n[Desktop Entry]\nA=1\n[Desktop Action x]\nKey=2\n", "new",
+         "# Key=x\n[Other]\nKey=1\n[Desktop Entry]\nKey=new\nA=1\n[Desktop Action x]\nKey=2\n"},
+        {"[Desktop Entry]", "new", "[Desktop Entry]\nKey=new"},
+        {"Key=old\n", "new", "Key=old\n"},
+        {"", "new", ""},
+    };
+    EXPECT_EQ(desktopEntryValue(withDesktopEntryValue("[Desktop Entry]", "Key", " a\\b\n "), "Key"),
+              " a\\b\n ");
+    for (const auto& row : rows) {
+        const auto after = withDesktopEntryValue(row.before, "Key", row.value);
+        EXPECT_EQ(after, row.after);
+    }
 }
 
 TEST(DesktopEntry, readsCommandLinesOfAnyOrigin) {

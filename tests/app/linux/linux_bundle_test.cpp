@@ -129,7 +129,8 @@ struct Home {
     Home() {
         const std::string root = "Downloads/orbinex-1/";
         folder.write(root + "bin/orbinex", "code");
-        folder.write(root + "share/applications/" + applicationId + ".desktop", "");
+        folder.write(root + "share/applications/" + applicationId + ".desktop",
+                     "[Desktop Entry]\nExec=orbinex\nStartupNotify=true\n");
         folder.write(root + "share/icons/hicolor/scalable/apps/" + applicationId + ".svg", "<svg/>");
         manager.offerMoveIfNeeded();
         queue.advance(1s);
@@ -155,6 +156,7 @@ struct Home {
                         start,
                         {[this] { calls.emplace_back("release"); }, [this] { return isTaken; },
                          [this] { calls.emplace_back("reclaim"); }},
+                        [this](const std::string& program) { calls.push_back("at login " + program); },
                         [this] { calls.emplace_back("quit"); }}};
     AppRelocationManager manager{queue, defaults, bundle};
 };
@@ -169,6 +171,8 @@ TEST(LinuxBundle, movesToTheUsersApplicationsAndEndsOnceTheCopyHasTakenOver) {
     EXPECT_TRUE(fs::exists(home.folder / "Downloads/orbinex-1/bin/orbinex")) << "the old one stays";
     const auto launcher = home.folder.read(std::string("data/applications/") + applicationId + ".desktop");
     EXPECT_EQ(execArguments(desktopEntryValue(launcher, "Exec").value_or("")), Command{program});
+    EXPECT_EQ(desktopEntryValue(launcher, "TryExec"), program);
+    EXPECT_EQ(desktopEntryFlag(launcher, "StartupNotify"), true) << "as the one that came with it";
     EXPECT_EQ(home.folder.read(std::string("data/icons/hicolor/scalable/apps/") + applicationId + ".svg"),
               "<svg/>");
 
@@ -177,7 +181,7 @@ TEST(LinuxBundle, movesToTheUsersApplicationsAndEndsOnceTheCopyHasTakenOver) {
     EXPECT_EQ(home.calls, std::vector<std::string>{"release"});
     home.isTaken = true;
     home.queue.advance(100ms);
-    EXPECT_EQ(home.calls, (std::vector<std::string>{"release", "quit"}));
+    EXPECT_EQ(home.calls, (std::vector<std::string>{"release", "at login " + program, "quit"}));
     EXPECT_EQ(home.queue.pendingTimers(), 0U);
 }
 
@@ -250,7 +254,7 @@ TEST(LinuxBundle, asksForNothingInTheApplicationsFolder) {
         DesktopOpener opener({}, "", [](const Command&) { return false; });
         const auto program = realPath(folder / row.program);
         LinuxBundle bundle({program + "/bin/orbinex", program, ""}, {folder / row.home, "", ""},
-                           {queue, opener, {}, {}, {}});
+                           {queue, opener, {}, {}, {}, {}});
         MemoryDefaults defaults;
         AppRelocationManager manager(queue, defaults, bundle);
         manager.offerMoveIfNeeded();

@@ -18,6 +18,10 @@ using Status = LoginItemStatus;
 
 constexpr const char* entry = "config/autostart/orbinex.desktop";
 
+std::string entryFor(const std::vector<std::string>& arguments) {
+    return withDesktopEntryValue("[Desktop Entry]\n", "Exec", execValue(arguments));
+}
+
 struct Login {
     Login() {
         folder.write("bin/orb inex", "#!/bin/sh\n");
@@ -40,6 +44,7 @@ TEST(XdgAutostart, writesAndRemovesTheEntryThatTheDesktopReads) {
     EXPECT_EQ(desktopEntryValue(text, "Type"), "Application");
     EXPECT_EQ(execArguments(*desktopEntryValue(text, "Exec")),
               (std::vector<std::string>{login.folder / "bin/orb inex", "--at-login"}));
+    EXPECT_EQ(desktopEntryValue(text, "TryExec"), login.folder / "bin/orb inex");
     EXPECT_EQ(std::distance(fs::directory_iterator(login.folder / "config/autostart"), {}), 1)
         << "nothing is left of writing it";
     EXPECT_EQ(login.item.unregisterItem(), std::nullopt);
@@ -60,14 +65,15 @@ TEST(XdgAutostart, readsBackWhatOthersMadeOfIt) {
         {"OnlyShowIn=KDE;GNOME;\n", Status::enabled},
         {"NotShowIn=XFCE;\n", Status::requiresApproval},
         {"NotShowIn=KDE;\n", Status::enabled},
+        {"TryExec=sh\n", Status::enabled},
+        {"TryExec=/nowhere/orbinex\n", Status::notFound},
         // Of another group.
         {"[Desktop Action x]\nHidden=true\n", Status::enabled},
     };
     for (const auto& row : rows) {
         Login login;
         ASSERT_EQ(login.item.registerItem(), std::nullopt);
-        const auto line = "[Desktop Entry]\n" + execLine({login.folder / "bin/orb inex"});
-        login.folder.write(entry, line + row.lines);
+        login.folder.write(entry, entryFor({login.folder / "bin/orb inex"}) + row.lines);
         EXPECT_EQ(login.item.status(), row.status) << row.lines;
     }
 }
@@ -84,6 +90,54 @@ TEST(XdgAutostart, leavesWhatThePersonTurnedOffTurnedOff) {
     EXPECT_EQ(login.item.status(), Status::enabled) << "switched off and on, it is their wish again";
     login.item.openSystemSettings();
     EXPECT_EQ(login.settingsOpened, 1);
+}
+
+TEST(XdgAutostart, followsTheProgramUnlessSomebodyHasChangedTheEntry) {
+    const std::string there = "/bin/sh";
+    const std::string gone = "/nowhere/orbinex-1/bin/orbinex";
+    const struct {
+        std::vector<std::string> arguments;
+        const char* lines;
+        /// After the move, and after a launch of another copy.
+        bool isFollowed;
+        bool isRepaired;
+    } rows[] = {
+        {{there, "--at-login"}, "", true, false},
+        {{gone, "--at-login"}, "Name=Kept\nTryExec=/nowhere\n", true, true},
+        {{gone, "--at-login"}, "Hidden=true\n", false, false},
+        {{gone, "--at-login"}, "X-GNOME-Autostart-enabled=false\n", false, false},
+        {{gone, "--at-login"}, "NotShowIn=GNOME;\n", false, false},
+        {{gone, "--at-login", "--adapter", "hci1"}, "", false, false},
+        {{gone}, "", false, false},
+        {{"orbinex", "--at-login"}, "", false, false},
+        {{"env", "X=1", gone, "--at-login"}, "", false, false},
+    };
+    for (const auto& row : rows) {
+        for (const bool isMoved : {true, false}) {
+            Login login;
+            const auto before = entryFor(row.arguments) + row.lines;
+            const std::string program = login.folder / "bin/orb inex";
+            login.folder.write(entry, before);
+            if (isMoved) {
+                login.item.follow(program);
+            } else {
+                login.item.repair();
+            }
+            const auto after = login.folder.read(entry);
+            if (isMoved ? row.isFollowed : row.isRepaired) {
+                EXPECT_EQ(execArguments(desktopEntryValue(after, "Exec").value_or("")),
+                          (std::vector<std::string>{program, "--at-login"}));
+                EXPECT_EQ(desktopEntryValue(after, "Name"), desktopEntryValue(before, "Name"));
+                EXPECT_EQ(login.item.status(), Status::enabled) << before;
+            } else {
+                EXPECT_EQ(after, before);
+            }
+        }
+    }
+    Login off;
+    off.item.follow("/bin/sh");
+    off.item.repair();
+    EXPECT_EQ(off.item.status(), Status::notRegistered);
 }
 
 TEST(XdgAutostart, startsNothingThatIsNotThere) {
