@@ -17,6 +17,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::string_view requestName = "open ";
+constexpr std::string_view presenceName = "present";
 constexpr std::string_view answer = "ok\n";
 constexpr std::size_t longestToken = 1024;  // bytes
 constexpr int backlog = 16;
@@ -79,6 +80,14 @@ std::string openRequest(std::string_view startupToken) {
 std::optional<std::string> startupTokenOf(std::string_view line) {
     if (!line.starts_with(requestName)) return std::nullopt;
     return std::string(line.substr(requestName.size()).substr(0, longestToken));
+}
+
+std::string presenceRequest() {
+    return std::string(presenceName) + "\n";
+}
+
+bool isPresenceRequest(std::string_view line) {
+    return line == presenceName;
 }
 
 int listenAt(const std::string& path) {

@@ -13,6 +13,9 @@ namespace orbinex {
 [[nodiscard]] std::string openRequest(std::string_view startupToken);
 /// The startup token of a request; nothing when the line is not one.
 [[nodiscard]] std::optional<std::string> startupTokenOf(std::string_view line);
+/// What an instance asks that has no window to be shown: whether the other is there.
+[[nodiscard]] std::string presenceRequest();
+[[nodiscard]] bool isPresenceRequest(std::string_view line);
 
 /// A listening socket at the path, in place of whatever file is there; -1 when there can be none, as where
 /// the path is longer than such addresses are.

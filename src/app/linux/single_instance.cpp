@@ -53,12 +53,16 @@ SingleInstance::~SingleInstance() {
     release();
 }
 
-SingleInstance::Claim SingleInstance::claim(std::string_view startupToken, std::chrono::milliseconds limit) {
+SingleInstance::Claim SingleInstance::claim(std::optional<std::string_view> startupToken,
+                                            std::chrono::milliseconds limit) {
     const auto deadline = std::chrono::steady_clock::now() + limit;
-    const auto request = openRequest(startupToken);
+    const auto request = startupToken ? openRequest(*startupToken) : presenceRequest();
     for (;;) {
-        if (takePlace()) return Claim::first;
-        if (!isTaken()) return Claim::unavailable;
+        switch (takePlace()) {
+            case Place::taken: return Claim::first;
+            case Place::unusable: return Claim::unavailable;
+            case Place::held: break;
+        }
         const auto left =
             std::chrono::ceil<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
         if (left.count() <= 0) return Claim::unanswered;
@@ -72,19 +76,20 @@ SingleInstance::Claim SingleInstance::claim(std::string_view startupToken, std::
     }
 }
 
-bool SingleInstance::takePlace() {
-    if (lock_ >= 0) return true;
+SingleInstance::Place SingleInstance::takePlace() {
+    if (lock_ >= 0) return Place::taken;
     const int lock = openLock(lockPath_);
-    if (lock < 0) return false;
-    if (::flock(lock, LOCK_EX | LOCK_NB) == 0) {
-        listener_ = listenAt(socketPath_);
-        if (listener_ >= 0) {
-            lock_ = lock;
-            return true;
-        }
+    if (lock < 0) return Place::unusable;
+    // One look decides: a second one could find free what the first found held.
+    const bool isFree = ::flock(lock, LOCK_EX | LOCK_NB) == 0;
+    const bool isHeld = !isFree && errno == EWOULDBLOCK;
+    if (isFree) listener_ = listenAt(socketPath_);
+    if (listener_ >= 0) {
+        lock_ = lock;
+        return Place::taken;
     }
     ::close(lock);
-    return false;
+    return isHeld ? Place::held : Place::unusable;
 }
 
 bool SingleInstance::isTaken() const {
@@ -107,7 +112,7 @@ void SingleInstance::release() {
 }
 
 void SingleInstance::reclaim() {
-    if (takePlace() && onSecondLaunch_ && !watch_) startServing();
+    if (takePlace() == Place::taken && onSecondLaunch_ && !watch_) startServing();
 }
 
 void SingleInstance::serve(MainQueue& queue, std::function<void(const std::string&)> onSecondLaunch) {
@@ -138,13 +143,17 @@ void SingleInstance::hear(Visitor& visitor) {
     visitor.heard += size;
     if (lines.empty() && size > 0 && visitor.heard <= LineReader::longestLine) return;
     visitor.isDone = true;
-    if (const auto token = lines.empty() ? std::nullopt : startupTokenOf(lines.front())) {
-        answerRequest(visitor.fd);
-        queue_->post(lifetime_.guard([this, token = *token] { onSecondLaunch_(token); }));
-    }
+    if (!lines.empty()) answer(visitor.fd, lines.front());
     // Not here: its watch is what is calling.
     queue_->post(lifetime_.guard(
         [this] { std::erase_if(visitors_, [](const auto& known) { return known->isDone; }); }));
+}
+
+void SingleInstance::answer(int connection, std::string_view line) {
+    const auto token = startupTokenOf(line);
+    if (!token && !isPresenceRequest(line)) return;
+    answerRequest(connection);
+    if (token) queue_->post(lifetime_.guard([this, token = *token] { onSecondLaunch_(token); }));
 }
 
 }  // namespace orbinex

@@ -23,7 +23,7 @@ class SingleInstance {
   public:
     enum class Claim {
         first,        ///< this process is the instance now
-        told,         ///< another is, and has been asked to show itself
+        told,         ///< another is, and has answered
         unanswered,   ///< another is, and does not answer
         unavailable,  ///< the folder cannot be used: nobody can tell
     };
@@ -40,10 +40,13 @@ class SingleInstance {
     ~SingleInstance();
 
     /// Blocks for about the limit at most. `startupToken` is what the desktop has given the new process so
-    /// that a window may come to the front; any text, empty for none.
-    [[nodiscard]] Claim claim(std::string_view startupToken, std::chrono::milliseconds limit = usualLimit);
-    /// Calls back for every later start, with its startup token. To be called by the first, once there is an
-    /// event loop; starts that came before are answered then. The queue must outlive this object.
+    /// that a window may come to the front; any text, empty for none. Nothing asks another instance for
+    /// nothing but its answer.
+    [[nodiscard]] Claim claim(std::optional<std::string_view> startupToken,
+                              std::chrono::milliseconds limit = usualLimit);
+    /// Calls back for every later start that asks for the window, with its startup token. To be called by the
+    /// first, once there is an event loop; starts that came before are answered then. The queue must outlive
+    /// this object.
     void serve(MainQueue& queue, std::function<void(const std::string& startupToken)> onSecondLaunch);
 
     /// Lets another process take the place.
@@ -56,10 +59,13 @@ class SingleInstance {
   private:
     struct Visitor;
 
-    [[nodiscard]] bool takePlace();
+    enum class Place { taken, held, unusable };
+
+    Place takePlace();
     void startServing();
     void admit();
     void hear(Visitor& visitor);
+    void answer(int connection, std::string_view line);
 
     std::string socketPath_;
     std::string lockPath_;

@@ -1,8 +1,10 @@
 #include "app/linux/single_instance.h"
 
 #include <array>
+#include <atomic>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -29,7 +31,7 @@ using Claim = SingleInstance::Claim;
 class SingleInstanceTest : public testing::Test {
   protected:
     /// What a later start comes to, with the first one's event loop running meanwhile.
-    Claim startLater(const std::string& token) {
+    Claim startLater(const std::optional<std::string>& token) {
         Claim claim{};
         bool isOver = false;
         std::thread later([&] {
@@ -73,6 +75,7 @@ TEST_F(SingleInstanceTest, isAskedToShowItselfByEveryLaterStart) {
     first_.serve(queue_, [&](const std::string& token) { tokens_.push_back(token); });
     EXPECT_EQ(startLater("token_TIME42"), Claim::told);
     EXPECT_EQ(startLater(""), Claim::told);
+    EXPECT_EQ(startLater(std::nullopt), Claim::told) << "a start at login asks for nothing";
     EXPECT_EQ(startLater("two\nopen lines\n"), Claim::told);
     EXPECT_EQ(tokens_, (std::vector<std::string>{"token_TIME42", "", "twoopen lines"}));
 }
@@ -135,6 +138,21 @@ TEST_F(SingleInstanceTest, handsOverAndTakesBack) {
     first_.reclaim();
     EXPECT_EQ(startLater("again"), Claim::told);
     EXPECT_EQ(tokens_, std::vector<std::string>{"again"});
+}
+
+TEST_F(SingleInstanceTest, isFoundHoweverOftenTheLockIsLookedAt) {
+    std::atomic<bool> isOver = false;
+    // As one that hands over looks whether the other has taken over.
+    std::thread looker([&] {
+        const SingleInstance mover(folder_.path());
+        while (!isOver) (void)mover.isTaken();
+    });
+    for (int i = 0; i < 2000; ++i) {
+        SingleInstance next(folder_.path());
+        EXPECT_EQ(next.claim("", 20s), Claim::first);
+    }
+    isOver = true;
+    looker.join();
 }
 
 TEST_F(SingleInstanceTest, isNotKnownWithoutAFolder) {
