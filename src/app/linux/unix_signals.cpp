@@ -43,7 +43,11 @@ UnixSignals::UnixSignals(std::function<void(int)> onSignal)
     action.sa_handler = handleSignal;
     action.sa_flags = SA_RESTART;
     for (std::size_t i = 0; i < endingSignals.size(); ++i) {
-        sigaction(endingSignals[i], &action, &handlers_->former[i]);
+        sigaction(endingSignals[i], nullptr, &handlers_->former[i]);
+        // Whoever started the program has said that it is to live on: nohup, or a shell that has it in the
+        // background.
+        if (handlers_->former[i].sa_handler == SIG_IGN) continue;
+        sigaction(endingSignals[i], &action, nullptr);
     }
     watch_ = std::make_unique<FdWatch>(handlers_->pipe[0], [this] {
         unsigned char byte = 0;

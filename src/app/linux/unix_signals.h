@@ -7,8 +7,9 @@
 
 namespace orbinex {
 
-/// Turns the signals that ask a program to end (SIGTERM, SIGINT, SIGHUP) into a call on the main thread. One
-/// at a time in a process; its end restores what the signals did before.
+/// Turns the signals that ask a program to end (SIGTERM, SIGINT, SIGHUP) into a call on the main thread;
+/// those that the process was started to ignore stay ignored. One at a time in a process; its end restores
+/// what the signals did before.
 class UnixSignals {
   public:
     /// `onSignal` gets the signal's number.

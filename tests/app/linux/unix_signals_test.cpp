@@ -11,8 +11,8 @@ namespace orbinex {
 namespace {
 
 TEST(UnixSignals, arriveOnTheMainThreadAndAreGivenBack) {
-    struct sigaction before {};
-    sigaction(SIGHUP, nullptr, &before);
+    // Whatever the test itself was started with.
+    for (const int number : {SIGTERM, SIGHUP, SIGINT}) std::signal(number, SIG_DFL);
     std::vector<int> seen;
     QEventLoop loop;
     {
@@ -27,9 +27,25 @@ TEST(UnixSignals, arriveOnTheMainThreadAndAreGivenBack) {
         loop.exec();
     }
     EXPECT_EQ(seen, (std::vector{SIGTERM, SIGHUP, SIGINT}));
-    struct sigaction after {};
-    sigaction(SIGHUP, nullptr, &after);
-    EXPECT_EQ(after.sa_handler, before.sa_handler);
+    for (const int number : {SIGTERM, SIGHUP, SIGINT}) EXPECT_EQ(std::signal(number, SIG_DFL), SIG_DFL);
+}
+
+TEST(UnixSignals, stayIgnoredWhereTheProgramWasStartedSo) {
+    std::signal(SIGHUP, SIG_IGN);
+    std::signal(SIGTERM, SIG_DFL);
+    std::vector<int> seen;
+    QEventLoop loop;
+    {
+        const UnixSignals signals([&](int number) {
+            seen.push_back(number);
+            loop.quit();
+        });
+        raise(SIGHUP);
+        raise(SIGTERM);
+        loop.exec();
+    }
+    EXPECT_EQ(seen, std::vector{SIGTERM});
+    EXPECT_EQ(std::signal(SIGHUP, SIG_DFL), SIG_IGN);
 }
 
 }  // namespace
