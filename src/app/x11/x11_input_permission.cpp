@@ -11,9 +11,14 @@
 
 namespace orbinex {
 
-/// Such a server has the windows of a part of the programs, and calls its screens after itself.
+/// Such a server has the windows of a part of the programs.
 bool X11InputPermission::isXwayland() {
     Display* const display = connection_.display();
+    int opcode = 0;
+    int event = 0;
+    int error = 0;
+    if (XQueryExtension(display, "XWAYLAND", &opcode, &event, &error)) return true;
+    // Older ones do not say so, but call their screens after themselves.
     int count = 0;
     XRRMonitorInfo* const monitors = XRRGetMonitors(display, connection_.root(), True, &count);
     if (!monitors) return false;

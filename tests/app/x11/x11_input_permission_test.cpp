@@ -27,6 +27,8 @@ TEST(X11InputPermission, isGrantedWhereInputArrives) {
     EXPECT_EQ(permission.explanation(), "");
 }
 
+/// The obstacle is a screen with the name that older Xwayland gives; no other server can be made to offer the
+/// extension by which a newer one is known.
 TEST(X11InputPermission, isSeenByThePollWhenItIsGranted) {
     const PrivateXServer server;
     ASSERT_TRUE(server.run("xrandr --setmonitor XWAYLAND0 1280/340x900/240+0+0 screen"));
