@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <utility>
 
 namespace orbinex {
 
@@ -13,13 +14,14 @@ QString toQString(std::string_view text) {
 
 }  // namespace
 
-SettingsDefaults::SettingsDefaults()
-    : settings_(QSettings::IniFormat, QSettings::UserScope, "Orbinex", "orbinex") {
+SettingsDefaults::SettingsDefaults(OnNotStored onNotStored)
+    : settings_(QSettings::IniFormat, QSettings::UserScope, "Orbinex", "orbinex"),
+      onNotStored_(std::move(onNotStored)) {
     settings_.setFallbacksEnabled(false);
 }
 
-SettingsDefaults::SettingsDefaults(const std::string& path)
-    : settings_(QString::fromStdString(path), QSettings::IniFormat) {}
+SettingsDefaults::SettingsDefaults(const std::string& path, OnNotStored onNotStored)
+    : settings_(QString::fromStdString(path), QSettings::IniFormat), onNotStored_(std::move(onNotStored)) {}
 
 std::optional<std::string> SettingsDefaults::data(std::string_view key) const {
     const QVariant value = settings_.value(toQString(key));
@@ -46,7 +48,14 @@ std::optional<bool> SettingsDefaults::boolean(std::string_view key) const {
 
 void SettingsDefaults::set(std::string_view key, const QVariant& value) {
     settings_.setValue(toQString(key), value);
+    store();
+}
+
+void SettingsDefaults::store() {
     settings_.sync();
+    // A file that was damaged is another matter: it is written anew.
+    if (settings_.status() != QSettings::AccessError) return;
+    if (const auto tell = std::exchange(onNotStored_, nullptr)) tell(settings_.fileName().toStdString());
 }
 
 void SettingsDefaults::setData(std::string_view key, std::string_view bytes) {
@@ -61,7 +70,7 @@ void SettingsDefaults::setBoolean(std::string_view key, bool value) {
 
 void SettingsDefaults::remove(std::string_view key) {
     settings_.remove(toQString(key));
-    settings_.sync();
+    store();
 }
 
 }  // namespace orbinex

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QSettings>
+#include <functional>
+#include <string>
 
 #include "base/user_defaults.h"
 
@@ -10,11 +12,11 @@ namespace orbinex {
 /// once, atomically; a file that cannot be read or written leaves the settings in memory.
 class SettingsDefaults final : public UserDefaults {
   public:
-    SettingsDefaults();
-    explicit SettingsDefaults(const std::string& path);
+    /// Is told, once, that a change could not be written to the file.
+    using OnNotStored = std::function<void(const std::string& path)>;
 
-    /// False after a change could not be written.
-    [[nodiscard]] bool isStored() const { return settings_.status() == QSettings::NoError; }
+    explicit SettingsDefaults(OnNotStored onNotStored = {});
+    explicit SettingsDefaults(const std::string& path, OnNotStored onNotStored = {});
 
     [[nodiscard]] std::optional<std::string> data(std::string_view key) const override;
     void setData(std::string_view key, std::string_view bytes) override;
@@ -26,8 +28,10 @@ class SettingsDefaults final : public UserDefaults {
 
   private:
     void set(std::string_view key, const QVariant& value);
+    void store();
 
     QSettings settings_;
+    OnNotStored onNotStored_;
 };
 
 }  // namespace orbinex

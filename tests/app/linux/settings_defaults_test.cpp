@@ -1,37 +1,33 @@
 #include "app/linux/settings_defaults.h"
 
-#include <filesystem>
-#include <fstream>
+#include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
+
+#include "support/temporary_folder.h"
 
 namespace orbinex {
 namespace {
 
 class SettingsDefaultsTest : public testing::Test {
   protected:
-    SettingsDefaultsTest() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "orbinex-settings-XXXXXX").string();
-        folder_ = mkdtemp(pattern.data());
-    }
-    ~SettingsDefaultsTest() override { std::filesystem::remove_all(folder_); }
+    [[nodiscard]] std::string path() const { return folder_ / "orbinex.ini"; }
 
-    [[nodiscard]] std::string path() const { return (folder_ / "orbinex.ini").string(); }
-    void write(const std::string& text) const { std::ofstream(path(), std::ios::binary) << text; }
-
-    std::filesystem::path folder_;
+    test::TemporaryFolder folder_;
 };
 
 TEST_F(SettingsDefaultsTest, areReadBackByTheNextStartAtOnce) {
     std::string anyBytes;
     for (int i = 0; i < 256; ++i) anyBytes.push_back(static_cast<char>(i));
     anyBytes += R"([{"name":"Äö, \"x\"; 100%"}])";
-    SettingsDefaults first(path());
+    bool isTold = false;
+    SettingsDefaults first(path(), [&](const std::string&) { isTold = true; });
     first.setData("trustedDevices.v1", anyBytes);
     first.setString("commandKey", "süper, \"x\"");
     first.setBoolean("autoConnect", false);
     first.setBoolean("other", true);
-    EXPECT_TRUE(first.isStored());
+    EXPECT_FALSE(isTold);
 
     // While the first one still runs: what was set is in the file.
     const SettingsDefaults second(path());
@@ -48,12 +44,10 @@ TEST_F(SettingsDefaultsTest, giveNothingForAnotherType) {
     SettingsDefaults defaults(path());
     defaults.setString("text", "words");
     defaults.setData("data", "bytes");
-    for (const auto* settings : {&defaults}) {
-        EXPECT_EQ(settings->data("text"), std::nullopt);
-        EXPECT_EQ(settings->boolean("text"), std::nullopt);
-        EXPECT_EQ(settings->string("data"), std::nullopt);
-        EXPECT_EQ(settings->boolean("missing"), std::nullopt);
-    }
+    EXPECT_EQ(defaults.data("text"), std::nullopt);
+    EXPECT_EQ(defaults.boolean("text"), std::nullopt);
+    EXPECT_EQ(defaults.string("data"), std::nullopt);
+    EXPECT_EQ(defaults.boolean("missing"), std::nullopt);
 }
 
 TEST_F(SettingsDefaultsTest, surviveADamagedFile) {
@@ -62,7 +56,7 @@ TEST_F(SettingsDefaultsTest, surviveADamagedFile) {
           std::string("[General]\ntrustedDevices.v1=@Variant(\\0\\0\\0\\x7f)"),
           std::string("trustedDevices.v1=@ByteArray(abc"), std::string("autoConnect=maybe\ncommandKey=a, b"),
           std::string(200'000, '[')}) {
-        write(text);
+        folder_.write("orbinex.ini", text);
         SettingsDefaults defaults(path());
         EXPECT_EQ(defaults.boolean("autoConnect"), std::nullopt);
         EXPECT_EQ(defaults.string("commandKey"), std::nullopt);
@@ -72,13 +66,16 @@ TEST_F(SettingsDefaultsTest, surviveADamagedFile) {
     }
 }
 
-TEST_F(SettingsDefaultsTest, stayInMemoryWhenTheyCannotBeStored) {
-    const std::string blocked = (folder_ / "file").string();
-    std::ofstream(blocked) << "x";
-    SettingsDefaults defaults(blocked + "/orbinex.ini");
+TEST_F(SettingsDefaultsTest, stayInMemoryWhenTheyCannotBeStoredWhichIsToldOnce) {
+    folder_.write("file", "x");
+    std::vector<std::string> told;
+    SettingsDefaults defaults(folder_ / "file/orbinex.ini",
+                              [&](const std::string& file) { told.push_back(file); });
+    EXPECT_TRUE(told.empty()) << "nothing is lost yet";
     defaults.setBoolean("autoConnect", false);
+    defaults.remove("other");
     EXPECT_EQ(defaults.boolean("autoConnect"), false);
-    EXPECT_FALSE(defaults.isStored());
+    EXPECT_EQ(told, std::vector<std::string>{folder_ / "file/orbinex.ini"});
 }
 
 }  // namespace
