@@ -17,10 +17,6 @@ void AppDelegate::didFinishLaunching(bool isLoginLaunch) {
     if (!isLoginLaunch) openMainWindow_();
 }
 
-void AppDelegate::handleReopen(bool hasVisibleWindows) {
-    if (!hasVisibleWindows) openMainWindow_();
-}
-
 void AppDelegate::handleSecondLaunch() {
     openMainWindow_();
 }

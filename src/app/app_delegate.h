@@ -21,10 +21,8 @@ class AppDelegate {
     void willFinishLaunching();
     /// Once the coordinator stands. A launch at login shows no window.
     void didFinishLaunching(bool isLoginLaunch);
-    /// The program was opened again, from the task bar or a launcher. With a window that is seen there is
-    /// nothing to do.
-    void handleReopen(bool hasVisibleWindows);
-    /// The program was started a second time: whoever did that wants to see it, wherever its window is.
+    /// The program was opened again, from a launcher or a terminal. Whoever did that wants to see it, also
+    /// where its window is open, behind others or on another desktop.
     void handleSecondLaunch();
 
   private:

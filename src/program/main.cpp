@@ -1,18 +1,20 @@
 // The program: the one place where the parts are put together.
 
-#include <QApplication>
 #include <QCommandLineParser>
+#include <QCoreApplication>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
+#include <unistd.h>
+
 #include "app/app_coordinator.h"
 #include "app/app_delegate.h"
-#include "app/linux/application_id.h"
 #include "app/linux/autostart_entry.h"
 #include "app/linux/computer_name.h"
 #include "app/linux/fd_watch.h"
@@ -39,6 +41,8 @@
 #include "input/x11/x11_keyboard_layout_source.h"
 #include "link/bluez/bluez_central.h"
 #include "link/bluez/logind_wake.h"
+#include "program/desktop_application.h"
+#include "program/start_failure.h"
 #include "ui/interface.h"
 
 namespace {
@@ -81,13 +85,29 @@ std::string variable(const char* name) {
     return value ? value : "";
 }
 
+/// How this process was started.
+struct Start {
+    /// What the desktop gives a program that it starts; empty without.
+    std::string token;
+    bool hasServer = false;
+    bool isAtLogin = false;
+
+    /// By a person who sees windows, and no terminal. Terminals may have the token of their own start.
+    [[nodiscard]] bool isByLauncher() const {
+        return hasServer && !isAtLogin && !token.empty() && ::isatty(STDERR_FILENO) == 0;
+    }
+};
+
 /// Nothing when this process is to go on: it is the one that runs now, or nobody can tell.
-std::optional<int> endOfLaterStart(SingleInstance& instance, const std::string& startupToken) {
-    switch (instance.claim(startupToken)) {
+std::optional<int> endOfLaterStart(SingleInstance& instance, const Start& start) {
+    // At login there is nothing to show.
+    const auto token = start.isAtLogin ? std::nullopt : std::optional<std::string_view>(start.token);
+    switch (instance.claim(token)) {
         case SingleInstance::Claim::first: return std::nullopt;
         case SingleInstance::Claim::told: return 0;
         case SingleInstance::Claim::unanswered:
-            std::fprintf(stderr, "orbinex: it runs already, but does not answer. End that first.\n");
+            tellStartFailure("Orbinex runs already, but does not answer. End that one first.",
+                             start.isByLauncher());
             return 1;
         case SingleInstance::Claim::unavailable: break;
     }
@@ -96,14 +116,24 @@ std::optional<int> endOfLaterStart(SingleInstance& instance, const std::string& 
     return std::nullopt;
 }
 
-/// Without a display there is nobody to see windows, but --help and --version are answered.
-std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv, bool hasDisplay) {
-    if (!hasDisplay) return std::make_unique<QCoreApplication>(argc, argv);
-    // Input goes to the X server in any case, and there alone a window can be put at the tray icon.
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "xcb");
-    Interface::prepareApplication();
-    QGuiApplication::setDesktopFileName(applicationId);
-    return std::make_unique<QApplication>(argc, argv);
+std::string whyNoDisplay(X11Connection::Obstacle obstacle) {
+    const auto missing = [](const std::string& extension) {
+        return "The X server does not offer the " + extension +
+               " extension, which Orbinex cannot do without. Turn that on in the server's configuration, and "
+               "log in again.";
+    };
+    switch (obstacle) {
+        case X11Connection::Obstacle::noKeyboardExtension: return missing("XKEYBOARD");
+        case X11Connection::Obstacle::noScreenExtension: return missing("RANDR 1.5");
+        case X11Connection::Obstacle::none:
+        case X11Connection::Obstacle::noServer: break;
+    }
+    return "There is no X display. Start Orbinex in a graphical session, or set DISPLAY to one.";
+}
+
+void tellSettingsAreNotStored(const std::string& file) {
+    std::fprintf(stderr, "orbinex: cannot write %s; what is changed now is forgotten when it ends.\n",
+                 terminalText(file).c_str());
 }
 
 /// Its parts, each made of those before it.
@@ -124,6 +154,7 @@ class Program {
 
     /// Returns when the person, a signal or the display ends it; the exit status.
     int run(bool isLoginLaunch) {
+        shell_.loginItem().repair();
         delegate_.willFinishLaunching();
         delegate_.didFinishLaunching(isLoginLaunch);
         instance_.serve(queue_, [this](const std::string& startupToken) {
@@ -165,7 +196,7 @@ class Program {
     int status_ = 0;
     QtMainQueue queue_;
     const UnixSignals signals_{[this](int) { QCoreApplication::exit(status_); }};
-    SettingsDefaults defaults_;
+    SettingsDefaults defaults_{tellSettingsAreNotStored};
     AppPreferences preferences_{defaults_};
 
     std::unique_ptr<UinputScroll> scrollDevice_;
@@ -205,17 +236,19 @@ class Program {
 int main(int argc, char** argv) {
     prepareStandardStreams();
     // The application takes it out of the environment.
-    auto startupToken = variable("XDG_ACTIVATION_TOKEN");
-    if (startupToken.empty()) startupToken = variable("DESKTOP_STARTUP_ID");
-    const auto display = X11Connection::open();
-    const auto application = makeApplication(argc, argv, display != nullptr);
+    Start start{.token = variable("XDG_ACTIVATION_TOKEN")};
+    if (start.token.empty()) start.token = variable("DESKTOP_STARTUP_ID");
+    auto obstacle = X11Connection::Obstacle::none;
+    const auto display = X11Connection::open({}, &obstacle);
+    start.hasServer = obstacle != X11Connection::Obstacle::noServer;
+    const auto application = makeApplication(argc, argv, start.hasServer);
     QCoreApplication::setApplicationVersion(QString::fromUtf8(shortVersion.data(), shortVersion.size()));
     const Options options = parse(*application);
+    start.isAtLogin = options.isLoginLaunch;
     SingleInstance instance(privateRuntimeFolder(variable("XDG_RUNTIME_DIR")));
-    if (const auto end = endOfLaterStart(instance, startupToken)) return *end;
+    if (const auto end = endOfLaterStart(instance, start)) return *end;
     if (!display) {
-        std::fprintf(stderr,
-                     "orbinex: no X display. Start it in a graphical session, or set DISPLAY to one.\n");
+        tellStartFailure(whyNoDisplay(obstacle), start.isByLauncher());
         return 1;
     }
     return Program(*display, instance, options).run(options.isLoginLaunch);

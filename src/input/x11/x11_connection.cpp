@@ -48,12 +48,16 @@ void addOwnDisplay(Display* display) {
 
 }  // namespace
 
-std::unique_ptr<X11Connection> X11Connection::open(const std::string& displayName) {
-    Display* display = XOpenDisplay(displayName.empty() ? nullptr : displayName.c_str());
-    if (!display) return nullptr;
-    addOwnDisplay(display);
-    std::unique_ptr<X11Connection> connection(new X11Connection(display, std::make_unique<State>()));
-    return connection->hasExtensions() ? std::move(connection) : nullptr;
+std::unique_ptr<X11Connection> X11Connection::open(const std::string& displayName, Obstacle* obstacle) {
+    Obstacle found = Obstacle::noServer;
+    std::unique_ptr<X11Connection> connection;
+    if (Display* const display = XOpenDisplay(displayName.empty() ? nullptr : displayName.c_str())) {
+        addOwnDisplay(display);
+        connection.reset(new X11Connection(display, std::make_unique<State>()));
+        found = connection->findExtensions();
+    }
+    if (obstacle) *obstacle = found;
+    return found == Obstacle::none ? std::move(connection) : nullptr;
 }
 
 X11Connection::X11Connection(Display* display, std::unique_ptr<State> state)
@@ -71,7 +75,7 @@ X11Connection::~X11Connection() {
     std::erase(ownDisplays(), display_);
 }
 
-bool X11Connection::hasExtensions() {
+X11Connection::Obstacle X11Connection::findExtensions() {
     int opcode = 0;
     int event = 0;
     int error = 0;
@@ -81,10 +85,13 @@ bool X11Connection::hasExtensions() {
 
     major = XkbMajorVersion;
     minor = XkbMinorVersion;
-    if (!XkbQueryExtension(display_, &opcode, &xkbEventBase_, &error, &major, &minor)) return false;
+    if (!XkbQueryExtension(display_, &opcode, &xkbEventBase_, &error, &major, &minor))
+        return Obstacle::noKeyboardExtension;
 
-    if (!XRRQueryExtension(display_, &randrEventBase_, &error)) return false;
-    return XRRQueryVersion(display_, &major, &minor) && std::pair(major, minor) >= std::pair(1, 5);
+    const bool hasScreens = XRRQueryExtension(display_, &randrEventBase_, &error) &&
+                            XRRQueryVersion(display_, &major, &minor) &&
+                            std::pair(major, minor) >= std::pair(1, 5);
+    return hasScreens ? Obstacle::none : Obstacle::noScreenExtension;
 }
 
 bool X11Connection::isAlive() const {

@@ -16,9 +16,18 @@ namespace orbinex {
 /// thread only.
 class X11Connection {
   public:
+    /// Why there is no connection.
+    enum class Obstacle {
+        none,
+        noServer,
+        noKeyboardExtension,  ///< XKEYBOARD, by which its keyboard is known
+        noScreenExtension,    ///< RANDR 1.5, by which its screens are
+    };
+
     /// Connects to the display (empty: the one in the environment). Nothing when that fails or the server
-    /// lacks an extension that knowing its keyboard and its screens needs (XKEYBOARD, RANDR 1.5).
-    static std::unique_ptr<X11Connection> open(const std::string& displayName = {});
+    /// lacks an extension that is needed; `obstacle`, where given, tells which of these.
+    static std::unique_ptr<X11Connection> open(const std::string& displayName = {},
+                                               Obstacle* obstacle = nullptr);
     X11Connection(const X11Connection&) = delete;
     X11Connection& operator=(const X11Connection&) = delete;
     ~X11Connection();
@@ -50,7 +59,7 @@ class X11Connection {
         bool isAlive = true;
     };
     X11Connection(_XDisplay* display, std::unique_ptr<State> state);
-    bool hasExtensions();
+    Obstacle findExtensions();
 
     _XDisplay* display_;
     xcb_connection_t* xcb_;

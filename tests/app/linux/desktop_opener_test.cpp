@@ -1,15 +1,19 @@
 #include "app/linux/desktop_opener.h"
 
 #include <algorithm>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "app/linux/detached_program.h"
 #include "app/product_links.h"
 #include "app/system_settings_urls.h"
+#include "support/environment_variable.h"
+#include "support/temporary_folder.h"
 
 namespace orbinex {
 namespace {
@@ -100,6 +104,24 @@ TEST(DesktopOpener, startsRealProgramsAndTellsWhenThereAreNone) {
     EXPECT_FALSE(startDetached({"/"}));
     EXPECT_FALSE(startDetached({""}));
     EXPECT_FALSE(startDetached({}));
+}
+
+TEST(DesktopOpener, givesOtherProgramsNothingThatOnlyAnImageOfThisOneNeeds) {
+    for (const bool isImage : {true, false}) {
+        const auto image = isImage ? std::optional<std::string>("/home/ada/Orbinex.AppImage") : std::nullopt;
+        const test::EnvironmentVariable appImage("APPIMAGE", image);
+        const test::EnvironmentVariable libraries("LD_LIBRARY_PATH", "/mounted/lib");
+        const test::EnvironmentVariable other("ORBINEX_TEST", "kept");
+        const test::TemporaryFolder folder;
+        const auto pipe = folder / "pipe";
+        ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+        ASSERT_TRUE(startDetached({"sh", "-c", "env >\"$0\"", pipe}));
+        // Up to the end of the program.
+        const auto environment = "\n" + folder.read("pipe");
+        EXPECT_NE(environment.find("\nORBINEX_TEST=kept\n"), std::string::npos);
+        EXPECT_EQ(environment.find("\nAPPIMAGE="), std::string::npos);
+        EXPECT_EQ(environment.find("\nLD_LIBRARY_PATH=") == std::string::npos, isImage);
+    }
 }
 
 }  // namespace

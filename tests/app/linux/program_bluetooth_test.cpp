@@ -74,7 +74,7 @@ struct Computer {
 TEST(ProgramOnBluetooth, pairsConnectsAndEndsTheConnectionWithItself) {
     for (const bool isSignalled : {false, true}) {
         Computer computer;
-        ProgramRun run(computer.screen.display(), computer.bus);
+        ProgramRun run(computer.screen.display(), {.bus = computer.bus});
         ASSERT_TRUE(computer.isAskedAboutPairing(run));
         run.type("yes\n");
         ASSERT_TRUE(run.says("Connected to Studio iPhone")) << run.output();
@@ -90,7 +90,7 @@ TEST(ProgramOnBluetooth, pairsConnectsAndEndsTheConnectionWithItself) {
 
 TEST(ProgramOnBluetooth, leavesNoQuestionAndNoAgentBehind) {
     Computer computer;
-    ProgramRun run(computer.screen.display(), computer.bus);
+    ProgramRun run(computer.screen.display(), {.bus = computer.bus});
     ASSERT_TRUE(computer.isAskedAboutPairing(run));
     run.signal(SIGINT);
     EXPECT_EQ(run.end(), 0);
@@ -99,22 +99,25 @@ TEST(ProgramOnBluetooth, leavesNoQuestionAndNoAgentBehind) {
 
 TEST(ProgramOnBluetooth, asksAboutAPairingInTheWindowWhereNobodyCanType) {
     Computer computer;
-    ProgramRun run(computer.screen.display(), computer.bus);
+    ProgramRun run(computer.screen.display(), {.bus = computer.bus, .arguments = "--at-login"});
+    ASSERT_TRUE(computer.isSearchedBy(run));
+    EXPECT_FALSE(showsWindow(computer.screen));
     ASSERT_TRUE(computer.isAskedAboutPairing(run));
+    EXPECT_TRUE(run.reaches([&] { return showsWindow(computer.screen); })) << run.output();
     run.closeInput();
-    EXPECT_TRUE(run.reaches([&] {
-        return computer.screen.run("xwininfo -name Orbinex 2>/dev/null | grep -q IsViewable");
-    })) << run.output();
-    EXPECT_EQ(run.output().find("Pairing Not Completed"), std::string::npos) << "it waits for an answer";
+    // A second start that is answered tells that the end of the input has been read.
+    EXPECT_EQ(ProgramRun(computer.screen.display(), {.home = run.home()}).end(), 0);
+    EXPECT_TRUE(showsWindow(computer.screen));
     run.signal(SIGTERM);
     EXPECT_EQ(run.end(), 0);
+    EXPECT_EQ(run.output().find("Pairing Not Completed"), std::string::npos) << "it waited for an answer";
     EXPECT_FALSE(computer.phone.isBonded);
 }
 
 TEST(ProgramOnBluetooth, searchesWhateverItsStandardStreamsAre) {
     for (const char* const streams : {"</dev/null", "<&-", "<&- >&- 2>&-"}) {
         Computer computer;
-        ProgramRun run(computer.screen.display(), computer.bus, streams);
+        ProgramRun run(computer.screen.display(), {.bus = computer.bus, .arguments = streams});
         EXPECT_TRUE(computer.isSearchedBy(run)) << streams;
         run.signal(SIGTERM);
         EXPECT_EQ(run.end(), 0) << streams;

@@ -10,6 +10,8 @@
 
 #include <signal.h>
 
+#include "support/private_x_server.h"
+
 namespace orbinex::test {
 
 /// A run of the built program with a home of its own, and without the machine's buses.
@@ -17,20 +19,34 @@ class ProgramRun {
   public:
     using Home = std::shared_ptr<QTemporaryDir>;
 
-    /// `bus` is the address of the system bus, `redirections` what the shell makes of the standard streams
-    /// and takes for arguments. Runs of one home are runs of one user.
-    explicit ProgramRun(const std::string& display, const QString& bus = "unix:path=/nonexistent",
-                        const char* redirections = "", Home home = std::make_shared<QTemporaryDir>())
-        : home_(std::move(home)) {
+    struct Setting {
+        /// The address of the system bus.
+        QString bus = "unix:path=/nonexistent";
+        /// What the shell makes of the standard streams and takes for arguments.
+        QString arguments = {};
+        /// Runs of one home are runs of one user.
+        Home home = std::make_shared<QTemporaryDir>();
+        /// What a launcher gives a program that it starts.
+        QString startupToken = {};
+    };
+
+    explicit ProgramRun(const std::string& display) : ProgramRun(display, Setting()) {}
+    ProgramRun(const std::string& display, Setting setting) : home_(std::move(setting.home)) {
         auto environment = QProcessEnvironment::systemEnvironment();
         environment.insert("DISPLAY", QString::fromStdString(display));
         for (const char* const folder : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR"})
             environment.insert(folder, home_->path());
         environment.insert("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
-        environment.insert("DBUS_SYSTEM_BUS_ADDRESS", bus);
+        environment.insert("DBUS_SYSTEM_BUS_ADDRESS", setting.bus);
+        environment.remove("XDG_ACTIVATION_TOKEN");
+        environment.insert("DESKTOP_STARTUP_ID", setting.startupToken);
         process_.setProcessEnvironment(environment);
         process_.setProcessChannelMode(QProcess::MergedChannels);
-        process_.start("sh", {"-c", QString("exec \"$0\" ") + redirections, ORBINEX_PROGRAM});
+        // As a desktop starts it, whatever the test itself was started with.
+        process_.setChildProcessModifier([] {
+            for (const int number : {SIGTERM, SIGINT, SIGHUP}) ::signal(number, SIG_DFL);
+        });
+        process_.start("sh", {"-c", "exec \"$0\" " + setting.arguments, ORBINEX_PROGRAM});
     }
     ProgramRun(const ProgramRun&) = delete;
     ProgramRun& operator=(const ProgramRun&) = delete;
@@ -39,6 +55,7 @@ class ProgramRun {
         process_.waitForFinished();
     }
 
+    [[nodiscard]] const Home& home() const { return home_; }
     void type(const char* text) {
         process_.write(text);
         process_.waitForBytesWritten(limit);
@@ -87,5 +104,10 @@ class ProgramRun {
     QByteArray output_;
     qsizetype read_ = 0;
 };
+
+/// A window of the program is on the screen.
+inline bool showsWindow(const PrivateXServer& screen) {
+    return screen.run("xwininfo -name Orbinex 2>/dev/null | grep -q IsViewable");
+}
 
 }  // namespace orbinex::test

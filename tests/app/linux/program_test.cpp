@@ -33,6 +33,18 @@ TEST(Program, saysWhatIsMissingWithoutADisplay) {
     EXPECT_EQ(run.end(), 1);
 }
 
+TEST(Program, saysWhatTheDisplayLacksAndShowsItToWhoeverSeesNoTerminal) {
+    const PrivateXServer server(640, 480, "RANDR");
+    ProgramRun inTerminal(server.display());
+    EXPECT_TRUE(inTerminal.says("RANDR 1.5"));
+    EXPECT_EQ(inTerminal.end(), 1);
+    ProgramRun atLogin(server.display(), {.arguments = "--at-login", .startupToken = "launcher_TIME1"});
+    EXPECT_EQ(atLogin.end(), 1);
+    ProgramRun byLauncher(server.display(), {.startupToken = "launcher_TIME1"});
+    EXPECT_TRUE(byLauncher.says("RANDR 1.5"));
+    EXPECT_TRUE(byLauncher.reaches([&] { return showsWindow(server); }));
+}
+
 TEST(Program, endsWellWhenItIsAskedTo) {
     const PrivateXServer server;
     for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
@@ -67,13 +79,21 @@ TEST(Program, isOneForAUserHoweverOftenItIsStarted) {
     const PrivateXServer server;
     const auto home = std::make_shared<QTemporaryDir>();
     const auto start = [&](const char* arguments = "") {
-        return std::make_unique<ProgramRun>(server.display(), "unix:path=/nonexistent", arguments, home);
+        return std::make_unique<ProgramRun>(server.display(),
+                                            ProgramRun::Setting{.arguments = arguments, .home = home});
     };
     auto first = start("--at-login");
-    EXPECT_TRUE(first->reaches([&] { return QFile::exists(home->path() + "/orbinex.socket"); }));
-    // The answer of the first one ends the second; what it does then is what it does for a person.
-    EXPECT_EQ(start()->end(), 0);
     EXPECT_TRUE(first->says("Starting Bluetooth…"));
+    // The answer of the first one ends the second.
+    EXPECT_EQ(start("--at-login")->end(), 0);
+    // Twice: what was asked for before the first of them has reached the screen by the second.
+    for (int i = 0; i < 2; ++i) {
+        first->type("list\n");
+        EXPECT_TRUE(first->says("No iPhone is trusted or nearby."));
+    }
+    EXPECT_FALSE(showsWindow(server)) << "nobody has asked to see it";
+    EXPECT_EQ(start()->end(), 0);
+    EXPECT_TRUE(first->reaches([&] { return showsWindow(server); }));
     ProgramRun other(server.display());
     EXPECT_TRUE(other.says("Starting Bluetooth…")) << "another user's is another";
 
@@ -104,6 +124,7 @@ TEST(Program, saysWhyInputIsNotAllowedAndGoesOn) {
     {
         QCoreApplication application(argc, argv);
         QtMainQueue queue;
+        for (const int number : {SIGTERM, SIGINT, SIGHUP}) ::signal(number, SIG_DFL);
         const UnixSignals ending([](int) { QCoreApplication::exit(0); });
         const auto display = X11Connection::open(displayName);
         X11EventPoster poster(*display, queue);

@@ -1,0 +1,19 @@
+#include "program/start_failure.h"
+
+#include <QMessageBox>
+#include <QTimer>
+#include <chrono>
+#include <cstdio>
+
+namespace orbinex {
+
+void tellStartFailure(const std::string& reason, bool isBoxShown) {
+    std::fprintf(stderr, "orbinex: %s\n", reason.c_str());
+    if (!isBoxShown) return;
+    QMessageBox box(QMessageBox::Critical, "Orbinex", QString::fromStdString(reason));
+    // Nobody may be there.
+    QTimer::singleShot(std::chrono::minutes(1), &box, &QDialog::reject);
+    box.exec();
+}
+
+}  // namespace orbinex
