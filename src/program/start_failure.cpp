@@ -10,7 +10,7 @@ namespace orbinex {
 void tellStartFailure(const std::string& reason, bool isBoxShown) {
     std::fprintf(stderr, "orbinex: %s\n", reason.c_str());
     if (!isBoxShown) return;
-    QMessageBox box(QMessageBox::Critical, "Orbinex", QString::fromStdString(reason));
+    QMessageBox box(QMessageBox::Critical, "Orbinex Cannot Start", QString::fromStdString(reason));
     // Nobody may be there.
     QTimer::singleShot(std::chrono::minutes(1), &box, &QDialog::reject);
     box.exec();

@@ -105,9 +105,9 @@ class ProgramRun {
     qsizetype read_ = 0;
 };
 
-/// A window of the program is on the screen.
-inline bool showsWindow(const PrivateXServer& screen) {
-    return screen.run("xwininfo -name Orbinex 2>/dev/null | grep -q IsViewable");
+/// A window of the program is on the screen: the main one, or one with another title.
+inline bool showsWindow(const PrivateXServer& screen, const std::string& title = "Orbinex") {
+    return screen.run("xwininfo -name '" + title + "' 2>/dev/null | grep -q IsViewable");
 }
 
 }  // namespace orbinex::test

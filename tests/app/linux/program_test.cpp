@@ -42,7 +42,7 @@ TEST(Program, saysWhatTheDisplayLacksAndShowsItToWhoeverSeesNoTerminal) {
     EXPECT_EQ(atLogin.end(), 1);
     ProgramRun byLauncher(server.display(), {.startupToken = "launcher_TIME1"});
     EXPECT_TRUE(byLauncher.says("RANDR 1.5"));
-    EXPECT_TRUE(byLauncher.reaches([&] { return showsWindow(server); }));
+    EXPECT_TRUE(byLauncher.reaches([&] { return showsWindow(server, "Orbinex Cannot Start"); }));
 }
 
 TEST(Program, endsWellWhenItIsAskedTo) {
