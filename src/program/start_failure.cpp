@@ -12,7 +12,9 @@ void tellStartFailure(const std::string& reason, bool isBoxShown) {
     if (!isBoxShown) return;
     QMessageBox box(QMessageBox::Critical, "Orbinex Cannot Start", QString::fromStdString(reason));
     // Nobody may be there.
-    QTimer::singleShot(std::chrono::minutes(1), &box, &QDialog::reject);
+    QTimer limit;
+    QObject::connect(&limit, &QTimer::timeout, &box, &QDialog::reject);
+    limit.start(std::chrono::minutes(1));
     box.exec();
 }
 
