@@ -7,7 +7,6 @@ namespace orbinex {
 void MIDIKeeper::run() {
     std::unique_lock lock(mutex_);
     while (!isEnding_) {
-        isLost_ = false;
         lock.unlock();
         Connection connection = openFirst();
         lock.lock();
@@ -63,6 +62,11 @@ void MIDIKeeper::lost() {
 
 MIDIKeeper::Connection MIDIKeeper::openFirst() {
     for (const auto& open : plan_.systems) {
+        {
+            // One that was lost before it was opened has told so.
+            const std::scoped_lock lock(mutex_);
+            isLost_ = false;
+        }
         if (auto connection = open(*this)) return connection;
     }
     return nullptr;

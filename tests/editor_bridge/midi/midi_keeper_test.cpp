@@ -4,8 +4,8 @@
 
 #include <atomic>
 #include <chrono>
-#include <functional>
 #include <memory>
+#include <stop_token>
 #include <thread>
 #include <vector>
 
@@ -13,6 +13,7 @@
 
 #include "editor_bridge/midi/system_midi_endpoints.h"
 #include "sim/virtual_main_queue.h"
+#include "support/comes_to_pass.h"
 
 namespace orbinex {
 namespace {
@@ -23,16 +24,21 @@ using namespace std::chrono_literals;
 class PretendSystem {
   public:
     std::atomic<bool> isThere = false;
+    /// It is lost before it is opened.
+    std::atomic<bool> isBreaking = false;
     /// While this is set, everything that asks the system for something waits.
     std::atomic<bool> isStuck = false;
     std::atomic<int> connections = 0;
+    std::atomic<int> openings = 0;
     std::atomic<int> sent = 0;
     std::atomic<MIDIListener*> listener = nullptr;
 
     MIDISystem opener() {
         return [this](MIDIListener& told) -> std::unique_ptr<MIDIConnection> {
             answer();
+            if (isBreaking) told.lost();
             if (!isThere) return nullptr;
+            ++openings;
             listener = &told;
             return std::make_unique<Connection>(*this);
         };
@@ -62,12 +68,12 @@ class Endpoints : public ::testing::Test {
     Endpoints() {
         endpoints.onSourceChanged = [this] { changes.push_back(endpoints.isSourceOnline()); };
     }
-    bool comesToPass(const std::function<bool()>& condition) {
-        for (int left = 20'000; left > 0 && !condition(); --left) {
-            queue.runDue();
-            std::this_thread::sleep_for(1ms);
-        }
-        return condition();
+    // What is stuck goes on when a test is left early.
+    ~Endpoints() override { preferred.isStuck = false; }
+
+    template <class Condition>
+    bool comesToPass(Condition condition) {
+        return test::comesToPass(queue, condition);
     }
 
     VirtualMainQueue queue;
@@ -112,27 +118,37 @@ TEST_F(Endpoints, areTakenAwayAndMadeAgainAsOftenAsWanted) {
     }
 }
 
+TEST_F(Endpoints, areNotTakenAwayForTheLossOfASystemThatDidNotOpen) {
+    preferred.isBreaking = true;
+    other.isThere = true;
+    endpoints.start();
+    ASSERT_TRUE(comesToPass([&] { return endpoints.isSourceOnline(); }));
+    other.leave();
+    ASSERT_TRUE(comesToPass([&] { return !endpoints.isSourceOnline(); }));
+    EXPECT_EQ(other.openings, 1);
+    EXPECT_EQ(changes, (std::vector<bool>{true, false}));
+}
+
 TEST_F(Endpoints, tellNothingOnceTheyAreStopped) {
     preferred.isThere = true;
-    std::atomic<int> messages = 0;
-    endpoints.onMessage = [&](const MIDIMessage&) { ++messages; };
+    // Shared with the endpoints, which outlive this function when it is left early.
+    const auto messages = std::make_shared<std::atomic<int>>(0);
+    endpoints.onMessage = [messages](const MIDIMessage&) { ++*messages; };
     endpoints.start();
     ASSERT_TRUE(comesToPass([&] { return endpoints.isSourceOnline(); }));
     // A system whose thread goes on while it is being left, and which does not answer for a while.
-    std::atomic<bool> isPlaying = true;
     preferred.isStuck = true;
-    auto* const listener = preferred.listener.load();
-    std::thread player([&] {
-        while (isPlaying) listener->received({0xE0, 0, 0});
+    std::jthread player([listener = preferred.listener.load()](const std::stop_token& isOver) {
+        while (!isOver.stop_requested()) listener->received({0xE0, 0, 0});
     });
-    ASSERT_TRUE(comesToPass([&] { return messages > 0; }));
+    ASSERT_TRUE(comesToPass([&] { return *messages > 0; }));
     endpoints.stop();
-    const int before = messages;
+    const int before = *messages;
     changes.clear();
     queue.advance(1s);
-    EXPECT_EQ(messages, before);
+    EXPECT_EQ(*messages, before);
     EXPECT_TRUE(changes.empty());
-    isPlaying = false;
+    player.request_stop();
     player.join();
     preferred.isStuck = false;
     EXPECT_TRUE(comesToPass([&] { return preferred.connections == 0; })) << "let go of in the end";
