@@ -26,9 +26,9 @@ class MIDIEndpoints {
     /// Plays a message to everybody who listens to the source; nothing happens while there is none.
     virtual void send(const MIDIMessage& message) = 0;
 
-    /// Called on whatever thread the messages of the destination arrive on, one at a time, in their order,
-    /// with messages of at least three bytes cut to their first three. They are as the other program sent
-    /// them: no byte of them can be relied on. Set before start().
+    /// Called on a thread of the endpoints, which may wait, one message of the destination at a time, in
+    /// their order; those of at least three bytes, cut to their first three. They are as the other program
+    /// sent them: no byte of them can be relied on. Set before start().
     std::function<void(const MIDIMessage&)> onMessage;
     /// Creates the endpoints, now or as soon as the system has MIDI.
     virtual void start() = 0;

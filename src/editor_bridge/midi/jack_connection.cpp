@@ -32,23 +32,23 @@ std::unique_ptr<MIDIConnection> JackConnection::open(MIDIListener& listener) {
     // Without a server, which is no error here, the library would complain at every attempt.
     jack_set_error_function([](const char*) {});
     jack_set_info_function([](const char*) {});
-    std::unique_ptr<JackConnection> connection(new JackConnection(listener));
-    if (!connection->connect()) return nullptr;
+    jack_client_t* const client = jack_client_open(MIDISurfaceNames::client, JackNoStartServer, nullptr);
+    if (!client) return nullptr;
+    std::unique_ptr<JackConnection> connection(new JackConnection(client, listener));
+    if (!connection->activate()) return nullptr;
     return connection;
 }
 
 JackConnection::~JackConnection() {
-    if (client_) jack_client_close(client_);
+    jack_client_close(client_);
 }
 
-bool JackConnection::connect() {
-    client_ = jack_client_open(MIDISurfaceNames::client, JackNoStartServer, nullptr);
-    if (!client_) return false;
+bool JackConnection::activate() {
     jack_on_shutdown(
         client_,
         [](void* self) {
             const Uncancelled untilDone;
-            static_cast<JackConnection*>(self)->listener_.lost();
+            static_cast<JackConnection*>(self)->relay_.lose();
         },
         this);
     jack_set_process_callback(
@@ -83,15 +83,16 @@ void JackConnection::play(void* buffer) {
     }
 }
 
-void JackConnection::receive(void* buffer) const {
+void JackConnection::receive(void* buffer) {
     const std::uint32_t count = jack_midi_get_event_count(buffer);
     for (std::uint32_t i = 0; i < count; ++i) {
         jack_midi_event_t event{};
         MIDIMessage message{};
         if (jack_midi_event_get(&event, buffer, i) != 0 || event.size < message.size()) continue;
         std::copy_n(event.buffer, message.size(), message.begin());
-        listener_.received(message);
+        relay_.put(message);
     }
+    if (count > 0) relay_.wake();
 }
 
 }  // namespace orbinex

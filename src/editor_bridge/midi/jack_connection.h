@@ -7,6 +7,7 @@
 
 #include "editor_bridge/midi/message_ring.h"
 #include "editor_bridge/midi/midi_connection.h"
+#include "editor_bridge/midi/midi_relay.h"
 
 namespace orbinex {
 
@@ -28,15 +29,17 @@ class JackConnection final : public MIDIConnection {
     /// Far more than a person can ask for while a server has its hiccups.
     static constexpr std::size_t mostWaiting = 131'072;
 
-    explicit JackConnection(MIDIListener& listener) : listener_(listener) {}
-    bool connect();
+    /// Takes the client over.
+    JackConnection(jack_client_t* client, MIDIListener& listener) : relay_(listener), client_(client) {}
+    bool activate();
+    // The server and all its clients wait while these run: nothing in them waits, locks or takes memory.
     void process(jack_nframes_t frames);
     void play(void* buffer);
-    void receive(void* buffer) const;
+    void receive(void* buffer);
 
-    MIDIListener& listener_;
     MessageRing outgoing_{mostWaiting};
-    jack_client_t* client_ = nullptr;
+    MIDIRelay relay_;
+    jack_client_t* client_;
     jack_port_t* source_ = nullptr;
     jack_port_t* destination_ = nullptr;
 };

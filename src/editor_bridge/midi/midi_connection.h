@@ -7,7 +7,8 @@
 
 namespace orbinex {
 
-/// Who is told what happens on a connection, on threads of the MIDI system.
+/// Who is told what happens on a connection, on a thread that may wait: never one that a MIDI system plays
+/// on.
 class MIDIListener {
   public:
     MIDIListener() = default;

@@ -22,7 +22,7 @@ class MIDIKeeper final : public MIDIListener {
         /// Between two attempts to find one of them.
         std::chrono::milliseconds retryDelay{};
     };
-    /// Who is told, on the keeper's or a MIDI system's thread.
+    /// Who is told, on the keeper's thread or that of a connection.
     struct Told {
         /// A connection has come or gone.
         std::function<void()> changed;

@@ -8,9 +8,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
-#include <functional>
+#include <future>
+#include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -19,6 +19,7 @@
 #include "editor_bridge/midi/jack_connection.h"
 #include "editor_bridge/midi_surface_names.h"
 #include "support/allocation_counter.h"
+#include "support/comes_to_pass.h"
 #include "support/private_jack_server.h"
 #include "support/workstation_process.h"
 
@@ -46,12 +47,9 @@ class Surface : public ::testing::Test {
   protected:
     ~Surface() override { world.daemon.reset(); }
 
-    bool comesToPass(const std::function<bool()>& condition) {
-        for (int left = 20'000; left > 0 && !condition(); --left) {
-            world.queue.runDue();
-            std::this_thread::sleep_for(1ms);
-        }
-        return condition();
+    template <class Condition>
+    bool comesToPass(Condition condition) {
+        return test::comesToPass(world.queue, condition);
     }
     bool isConnected(WorkstationProcess& workstation) {
         return comesToPass(
@@ -126,14 +124,19 @@ TEST_F(Surface, followsTheFadersOfAnotherProcessAndNothingElse) {
 
 TEST_F(Surface, hearsAFloodInOrderWithoutTakingMemory) {
     server.start();
-    std::atomic<std::size_t> count = 0;
-    std::atomic<std::size_t> wrong = 0;
-    std::atomic<std::size_t> allocations = 0;
-    endpoints.onMessage = [&, before = allocationCount()](const MIDIMessage& message) mutable {
-        if (count == 0) before = allocationCount();
-        if (message != numbered(count)) ++wrong;
-        allocations = allocationCount() - before;
-        ++count;
+    struct Heard {
+        std::atomic<std::size_t> count = 0;
+        std::atomic<std::size_t> wrong = 0;
+        std::atomic<std::size_t> allocations = 0;
+        std::size_t before = 0;
+    };
+    // Shared with the endpoints, which outlive this function when it is left early.
+    const auto heard = std::make_shared<Heard>();
+    endpoints.onMessage = [heard](const MIDIMessage& message) {
+        if (heard->count == 0) heard->before = allocationCount();
+        if (message != numbered(heard->count)) ++heard->wrong;
+        heard->allocations = allocationCount() - heard->before;
+        ++heard->count;
     };
     endpoints.start();
     ASSERT_TRUE(comesOnline());
@@ -142,11 +145,35 @@ TEST_F(Surface, hearsAFloodInOrderWithoutTakingMemory) {
     std::string lines;
     for (std::size_t i = 0; i < flood; ++i) lines += line(numbered(i)) + "\n";
     workstation.play(lines);
-    EXPECT_TRUE(comesToPass([&] { return count >= flood; })) << count;
-    EXPECT_EQ(count, flood);
-    EXPECT_EQ(wrong, 0U);
-    EXPECT_EQ(allocations, 0U);
+    EXPECT_TRUE(comesToPass([&] { return heard->count >= flood; })) << heard->count;
     endpoints.stop();
+    EXPECT_EQ(heard->count, flood);
+    EXPECT_EQ(heard->wrong, 0U);
+    EXPECT_EQ(heard->allocations, 0U);
+}
+
+TEST_F(Surface, isNotHeldUpByWhoeverHearsIt) {
+    server.start();
+    struct Hearer {
+        std::atomic<bool> isHearing = false;
+        std::promise<void> permission;
+        std::future<void> permitted = permission.get_future();
+    };
+    const auto hearer = std::make_shared<Hearer>();
+    endpoints.onMessage = [hearer](const MIDIMessage&) {
+        hearer->isHearing = true;
+        hearer->permitted.wait();
+    };
+    endpoints.start();
+    ASSERT_TRUE(comesOnline());
+    WorkstationProcess workstation;
+    ASSERT_TRUE(isConnected(workstation));
+    workstation.play("E0 00 40\n");
+    EXPECT_TRUE(comesToPass([&] { return hearer->isHearing.load(); }));
+    // The server's periods go on meanwhile, and with them what we play.
+    endpoints.send({0x90, 0x10, 0x7F});
+    EXPECT_EQ(heard(workstation, 1), Texts{"90 10 7F"});
+    hearer->permission.set_value();
 }
 
 TEST_F(Surface, playsAFloodInOrderWithoutTakingMemory) {
@@ -193,27 +220,31 @@ TEST_F(Surface, comesWithTheServerGoesWithItAndComesBack) {
     }
 }
 
-TEST_F(Surface, sharesItsNamesWithWhoeverHasThem) {
+TEST_F(Surface, isNumberedBehindOthersOfItsNameAndKeepsThePortsNames) {
     server.start();
-    // The first has the client's name and hears the ports' names, whoever's they are.
-    WorkstationProcess workstation({"--name", MIDISurfaceNames::client});
+    const std::string name = MIDISurfaceNames::client;
+    // It is there when it is connected with itself.
+    WorkstationProcess stranger({"--name", name, "--from", name + ":out", "--to", name + ":in"});
+    ASSERT_TRUE(isConnected(stranger));
+    endpoints.start();
+    ASSERT_TRUE(comesOnline());
     SystemMIDIEndpoints another{world.queue, {.systems = {JackConnection::open}, .retryDelay = 20ms}};
-    ASSERT_TRUE(comesToPass([&] {
-        endpoints.start();
-        return endpoints.isSourceOnline();
-    }));
-    ASSERT_TRUE(isConnected(workstation));
     another.start();
     ASSERT_TRUE(comesToPass([&] { return another.isSourceOnline(); })) << "a second of ours";
-    EXPECT_TRUE(endpoints.isSourceOnline());
-    another.send({0x90, 1, 1});
-    endpoints.send({0x90, 2, 2});
-    EXPECT_EQ(heard(workstation, 1), Texts{"90 02 02"});
-    const std::string second = std::string(MIDISurfaceNames::client) + "-02:" + MIDISurfaceNames::source;
-    WorkstationProcess other({"--from", second});
-    ASSERT_TRUE(isConnected(other));
-    another.send({0x90, 3, 3});
-    EXPECT_EQ(heard(other, 1), Texts{"90 03 03"});
+    const auto ports = [&](const char* number) {
+        const std::string client = name + number + ":";
+        return Texts{"--from", client + MIDISurfaceNames::source, "--to",
+                     client + MIDISurfaceNames::destination};
+    };
+    WorkstationProcess listener(ports("-01"));
+    WorkstationProcess otherListener(ports("-02"));
+    ASSERT_TRUE(isConnected(listener));
+    ASSERT_TRUE(isConnected(otherListener));
+    endpoints.send({0x90, 1, 1});
+    another.send({0x90, 2, 2});
+    EXPECT_EQ(heard(listener, 1), Texts{"90 01 01"});
+    EXPECT_EQ(heard(otherListener, 1), Texts{"90 02 02"});
+    EXPECT_EQ(stranger.lines(), Texts{"connected"});
 }
 
 TEST_F(Surface, endsAlthoughTheServerDoesNotAnswer) {
