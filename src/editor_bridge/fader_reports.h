@@ -15,8 +15,10 @@ namespace orbinex {
 /// word of each fader, in the order of the last words. Any thread.
 class FaderReports {
   public:
-    /// More than a workstation says between two turns of the main thread that are not late.
-    static constexpr std::size_t capacity = 1024;
+    /// More than a workstation says between two turns of the main thread that are not late, and few enough
+    /// for the link to the iPhone to take at once, beside a session: what the link has no room for are the
+    /// newest.
+    static constexpr std::size_t capacity = 256;
 
     /// True for the first since the last take(): now somebody has to come and take.
     bool put(const FaderFeedback& report) {

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "bluez_world.h"
+#include "editor_bridge/fader_reports.h"
 #include "link/bluez/bluez_names.h"
 #include "protocol/gatt.h"
 
@@ -193,7 +194,9 @@ TEST(BluezGatt, writesAsAskedAndBoundsWhatIsNotTaken) {
         const auto bytes = world.bluez.kept[static_cast<std::size_t>(i) + 1].arguments()[0].toByteArray();
         EXPECT_EQ(static_cast<std::uint8_t>(bytes.at(2)), i);
     }
-    for (std::size_t i = 0; i < 64 + BluezGatt::maximumWaitingWrites + 100; ++i) {
+    constexpr std::size_t room = BluezGatt::maximumUnansweredWrites + BluezGatt::maximumWaitingWrites;
+    static_assert(2 * FaderReports::capacity <= room, "a burst of faders would lose its last words");
+    for (std::size_t i = 0; i < room + 100; ++i) {
         world.central->writeValue(world.id(), controlCharacteristicUUID, value, WriteType::withoutResponse);
     }
     world.settle();
@@ -201,8 +204,7 @@ TEST(BluezGatt, writesAsAskedAndBoundsWhatIsNotTaken) {
         world.bluez.answer(world.bluez.kept[i]);
         world.settle();
     }
-    EXPECT_EQ(world.bluez.kept.size(), 201 + 64 + BluezGatt::maximumWaitingWrites)
-        << "no more than that waits";
+    EXPECT_EQ(world.bluez.kept.size(), 201 + room) << "no more than that waits";
     EXPECT_EQ(world.take(), Lines{});
 }
 
