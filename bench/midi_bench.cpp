@@ -4,15 +4,17 @@
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <exception>
 #include <functional>
 #include <random>
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <variant>
 #include <vector>
 
 #include <jack/jack.h>
@@ -20,6 +22,7 @@
 
 #include "editor_bridge/app_watcher_daemon.h"
 #include "editor_bridge/midi/jack_connection.h"
+#include "editor_bridge/midi/message_ring.h"
 #include "editor_bridge/midi/system_midi_endpoints.h"
 #include "editor_bridge/midi_surface.h"
 #include "protocol/control_message.h"
@@ -102,25 +105,24 @@ class BarePlayer {
     BarePlayer& operator=(const BarePlayer&) = delete;
     ~BarePlayer() { jack_client_close(client_); }
 
-    void send(const MIDIMessage& message) {
-        waiting_ = std::uint32_t{1} << 24U | std::uint32_t{message[0]} << 16U |
-                   std::uint32_t{message[1]} << 8U | message[2];
-    }
+    void send(const MIDIMessage& message) { waiting_.push(message); }
 
   private:
     int play(jack_nframes_t frames) {
         void* const buffer = jack_port_get_buffer(port_, frames);
         jack_midi_clear_buffer(buffer);
-        const std::uint32_t message = waiting_.exchange(0);
-        auto* const bytes = message != 0 ? jack_midi_event_reserve(buffer, 0, 3) : nullptr;
-        for (unsigned i = 0; bytes && i < 3; ++i)
-            bytes[i] = static_cast<jack_midi_data_t>(message >> (16 - 8 * i));
+        // More than one when a period was late.
+        for (; const auto* const message = waiting_.front(); waiting_.pop()) {
+            auto* const bytes = jack_midi_event_reserve(buffer, 0, message->size());
+            if (!bytes) break;
+            std::ranges::copy(*message, bytes);
+        }
         return 0;
     }
 
     jack_client_t* client_;
     jack_port_t* port_ = nullptr;
-    std::atomic<std::uint32_t> waiting_ = 0;
+    MessageRing waiting_{messages};
 };
 
 /// One way to a process that listens.

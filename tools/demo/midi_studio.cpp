@@ -39,8 +39,9 @@ void MidiStudio::startWorkstation() {
     workstation_ = std::make_unique<ChildProcess>(ownProgram("orbinex_midi_workstation"),
                                                   QStringList{QStringLiteral("--echo")}, environment_, log(),
                                                   ChildProcess::Streams::piped);
+    // It may still print something while it is being ended, when nobody owns it any more.
     QObject::connect(&workstation_->pipe(), &QProcess::readyReadStandardOutput, &context_,
-                     [this] { read(); });
+                     [this, &pipe = workstation_->pipe()] { read(pipe); });
 }
 
 void MidiStudio::quitWorkstation() {
@@ -53,8 +54,7 @@ void MidiStudio::play(std::string_view bytes) {
     workstation_->pipe().write(std::string(bytes).append("\n").c_str());
 }
 
-void MidiStudio::read() {
-    auto& pipe = workstation_->pipe();
+void MidiStudio::read(QProcess& pipe) {
     while (pipe.canReadLine()) {
         const QByteArray line = pipe.readLine();
         heard_.push_back(line.trimmed().toStdString());

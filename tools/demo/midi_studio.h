@@ -33,7 +33,7 @@ class MidiStudio {
     void play(std::string_view bytes);
 
   private:
-    void read();
+    void read(QProcess& pipe);
     [[nodiscard]] QString log() const;
 
     const PrivateDesktop& desktop_;
