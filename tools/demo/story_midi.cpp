@@ -1,10 +1,13 @@
 // A workstation comes to the front that has no scripts: the phone reaches it as a MIDI control surface.
 
-#include <chrono>
-#include <cstdio>
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <string>
 
 #include "base/numbers.h"
 #include "editor_bridge/midi_surface.h"
+#include "midi_workstation/hex_bytes.h"
 #include "stage.h"
 
 namespace orbinex::demo {
@@ -13,12 +16,6 @@ namespace {
 
 /// What its window is filled with.
 constexpr std::uint32_t windowColour = 0x2a2a30;
-
-std::string hexText(const MIDIMessage& message) {
-    std::array<char, 16> text{};
-    std::snprintf(text.data(), text.size(), "%02X %02X %02X", message[0], message[1], message[2]);
-    return text.data();
-}
 
 std::string surface(const Stage& stage) {
     const auto* told = stage.lastTold<DAWHeader>([](const auto&) { return true; });

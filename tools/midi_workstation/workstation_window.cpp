@@ -2,6 +2,8 @@
 // and ends with it.
 
 #include <array>
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <exception>
 #include <string>

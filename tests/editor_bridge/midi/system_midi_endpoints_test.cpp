@@ -2,12 +2,10 @@
 
 #include "editor_bridge/midi/system_midi_endpoints.h"
 
-#include <array>
 #include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <future>
 #include <memory>
 #include <string>
@@ -18,6 +16,7 @@
 #include "editor_bridge/bridge_world.h"
 #include "editor_bridge/midi/jack_connection.h"
 #include "editor_bridge/midi_surface_names.h"
+#include "midi_workstation/hex_bytes.h"
 #include "support/allocation_counter.h"
 #include "support/comes_to_pass.h"
 #include "support/private_jack_server.h"
@@ -35,12 +34,6 @@ constexpr std::size_t flood = 100'000;
 MIDIMessage numbered(std::size_t number) {
     return {static_cast<std::uint8_t>(0xE0 + (number >> 14U)), static_cast<std::uint8_t>(number & 0x7FU),
             static_cast<std::uint8_t>((number >> 7U) & 0x7FU)};
-}
-
-std::string line(const MIDIMessage& message) {
-    std::array<char, 16> text{};
-    std::snprintf(text.data(), text.size(), "%02X %02X %02X", message[0], message[1], message[2]);
-    return text.data();
 }
 
 class Surface : public ::testing::Test {
@@ -143,7 +136,7 @@ TEST_F(Surface, hearsAFloodInOrderWithoutTakingMemory) {
     WorkstationProcess workstation;
     ASSERT_TRUE(isConnected(workstation));
     std::string lines;
-    for (std::size_t i = 0; i < flood; ++i) lines += line(numbered(i)) + "\n";
+    for (std::size_t i = 0; i < flood; ++i) lines += hexText(numbered(i)) + "\n";
     workstation.play(lines);
     EXPECT_TRUE(comesToPass([&] { return heard->count >= flood; })) << heard->count;
     endpoints.stop();
@@ -189,7 +182,7 @@ TEST_F(Surface, playsAFloodInOrderWithoutTakingMemory) {
     const auto lines = heard(workstation, flood);
     ASSERT_EQ(lines.size(), flood);
     std::size_t wrong = 0;
-    for (std::size_t i = 0; i < flood; ++i) wrong += lines[i] == line(numbered(i)) ? 0U : 1U;
+    for (std::size_t i = 0; i < flood; ++i) wrong += lines[i] == hexText(numbered(i)) ? 0U : 1U;
     EXPECT_EQ(wrong, 0U);
 }
 
