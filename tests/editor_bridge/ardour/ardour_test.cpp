@@ -4,10 +4,9 @@
 #include <chrono>
 #include <cmath>
 #include <cstddef>
-#include <functional>
+#include <cstdio>
 #include <memory>
 #include <string>
-#include <thread>
 #include <utility>
 #include <variant>
 
@@ -18,6 +17,7 @@
 #include "editor_bridge/fader_law.h"
 #include "editor_bridge/midi/jack_connection.h"
 #include "editor_bridge/midi/system_midi_endpoints.h"
+#include "support/comes_to_pass.h"
 #include "support/private_jack_server.h"
 
 namespace orbinex::test {
@@ -35,11 +35,13 @@ class Studio {
     std::string open() {
         constexpr int attempts = 6;
         std::string failure;
-        for (int left = attempts; left > 0; --left) {
+        for (int attempt = 1; attempt <= attempts; ++attempt) {
             server.start();
             startBridge();
             ardour = std::make_unique<HeadlessArdour>();
-            if (isReady()) return {};
+            const bool isOpen = isReady();
+            std::printf("Ardour, attempt %d of %d: %s\n", attempt, attempts, isOpen ? "ready" : "cut off");
+            if (isOpen) return {};
             failure = ardour->log();
             close();
             server.kill();
@@ -52,12 +54,9 @@ class Studio {
         world.daemon->setBLEClientConnected(true);
     }
 
-    bool comesToPass(const std::function<bool()>& condition, int milliseconds = 10'000) {
-        for (int left = milliseconds; left > 0 && !condition(); --left) {
-            world.queue.runDue();
-            std::this_thread::sleep_for(1ms);
-        }
-        return condition();
+    template <class Condition>
+    bool comesToPass(Condition condition, std::chrono::milliseconds limit = 10s) {
+        return test::comesToPass(world.queue, condition, limit);
     }
     /// Where our fader comes to stand within the time for that.
     double ours(int track, double expected) {
@@ -106,8 +105,7 @@ class Studio {
             ardour->follow();
             return hasToldAll() || !ardour->isAlive();
         });
-        constexpr int milliseconds = 1500;
-        return hasToldAll() && !comesToPass([&] { return !ardour->isAlive(); }, milliseconds);
+        return hasToldAll() && !comesToPass([&] { return !ardour->isAlive(); }, 1500ms);
     }
 };
 

@@ -8,8 +8,10 @@
 #include <set>
 #include <sstream>
 #include <stdexcept>
+#include <string_view>
 #include <system_error>
 #include <utility>
+#include <variant>
 
 #include <arpa/inet.h>
 #include <fcntl.h>
