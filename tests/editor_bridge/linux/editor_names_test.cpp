@@ -29,6 +29,14 @@ TEST(EditorNames, areThoseOfProgramsAndWindowsOfTheEditors) {
         {"REAPER", "com.cockos.reaper", "REAPER"},
         {"com.bitwig.BitwigStudio", "com.bitwig.BitwigStudio", "Bitwig Studio"},
         {"qtractor", "org.rncbc.qtractor", "Qtractor"},
+        // With versions, of programs and under Wine.
+        {"ardour-8.4.0", "org.ardour.Ardour", "Ardour"},
+        {"Waveform13", "com.tracktion.Waveform", "Waveform"},
+        {"Muse4", "io.github.muse_sequencer.Muse", "MusE"},
+        {"Cubase13.exe", "com.steinberg.cubase", "Cubase"},
+        {"ableton live 12 suite.exe", "com.ableton.live", "Ableton Live"},
+        {"Ableton Live 11.3 Lite", "com.ableton.live", "Ableton Live"},
+        {"FL64.exe", "com.image-line.flstudio", "FL Studio"},
     };
     for (const auto& row : rows) {
         const auto* editor = editorNamed(row.name);
@@ -41,7 +49,9 @@ TEST(EditorNames, areThoseOfProgramsAndWindowsOfTheEditors) {
 
 TEST(EditorNames, areNotThoseOfOtherPrograms) {
     for (const char* name : {"", ".exe", "resolvectl", "systemd-resolved", "resolve-helper", "logic",
-                             "Logic.exe", "Adobe Premiere Elements.exe", "resolve.exe.exe"})
+                             "Logic.exe", "Adobe Premiere Elements.exe", "resolve.exe.exe", "resolve2",
+                             "waveform", "waveforms", "muse", "ardour-", "ardour-lua", "ableton live  suite",
+                             "ableton live 12 suit", "ableton live 1x suite", "cubase#"})
         EXPECT_EQ(editorNamed(name), nullptr) << name;
     EXPECT_EQ(editorWithID("resolve"), nullptr);
 }
