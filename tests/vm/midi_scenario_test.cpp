@@ -1,10 +1,12 @@
 // The MIDI surface on the kernel's sequencer, as programs of others see it.
 
 #include <atomic>
-#include <cstdint>
+#include <chrono>
+#include <cstddef>
 #include <fstream>
 #include <regex>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "editor_bridge/midi/alsa_connection.h"
@@ -40,6 +42,17 @@ class MIDIScenario : public LinkScenario {
         EXPECT_TRUE(workstation.waitFor("Waiting for data", limit));
         return workstation;
     }
+    /// Plays the events of a file's track to the surface: before each a byte of time, which is zero.
+    void play(const std::string& events) {
+        constexpr std::string_view header("MThd\0\0\0\6\0\0\0\1\0\x60MTrk\0\0\0", 21);
+        constexpr std::string_view end("\0\xFF\x2F\0", 4);
+        const auto size = static_cast<char>(events.size() + end.size());
+        const std::string file = machine->log("faders.mid");
+        std::ofstream(file, std::ios::binary) << header << size << events << end;
+        Process& player = start(
+            "aplaymidi", {"aplaymidi", "-d", "0", "-p", addressOf(MIDISurfaceNames::destination), file});
+        EXPECT_EQ(player.waitForEnd(limit), 0);
+    }
 };
 
 TEST_F(MIDIScenario, whatThePhoneAsksForIsPlayedToOtherPrograms) {
@@ -59,6 +72,16 @@ TEST_F(MIDIScenario, whatThePhoneAsksForIsPlayedToOtherPrograms) {
     EXPECT_TRUE(workstation.waitFor(std::regex("Note off +0, note 17"), limit));
     phone().send("command VISO|1|1|65");
     EXPECT_TRUE(workstation.waitFor(std::regex("Control change +0, controller 28, value 82"), limit));
+}
+
+TEST_F(MIDIScenario, aFaderOfAWorkstationMovesThePhones) {
+    ASSERT_NO_FATAL_FAILURE(meet());
+    phone().skipToNow();
+    desktop().client().beActiveAs("Ardour");
+    EXPECT_TRUE(phone().waitFor("header org.ardour.Ardour", limit));
+    play({"\0\xE1\x6B\x23", 4});
+    EXPECT_TRUE(phone().waitFor(std::regex("track 2/.* -36\\.0 dB"), limit));
+    desktop().client().beActiveAs("");
 }
 
 TEST_F(MIDIScenario, whatOtherProgramsPlayIsHeardInOrderBesideASecondSurface) {
@@ -87,17 +110,8 @@ TEST_F(MIDIScenario, whatOtherProgramsPlayIsHeardInOrderBesideASecondSurface) {
     second.start();
     ASSERT_TRUE(isOnline(second)) << "names are no matter";
 
-    // A file of one track; running status, a long message and a program change among what is to be heard.
-    const std::string bytes(
-        "MThd\0\0\0\6\0\0\0\1\0\x60"
-        "MTrk\0\0\0\x1E"
-        "\0\xE0\x6B\x23\0\xF0\5\x7E\0\1\2\xF7\0\xC0\5\0\x90\x10\x7F\0\xE8\x7F\x7F\0\0\0\0\xFF\x2F\0",
-        14 + 8 + 30);
-    const std::string file = machine->log("faders.mid");
-    std::ofstream(file, std::ios::binary) << bytes;
-    Process& player =
-        start("aplaymidi", {"aplaymidi", "-d", "0", "-p", addressOf(MIDISurfaceNames::destination), file});
-    EXPECT_EQ(player.waitForEnd(limit), 0);
+    // Running status, a long message and a program change among what is to be heard.
+    play({"\0\xE0\x6B\x23\0\xF0\5\x7E\0\1\2\xF7\0\xC0\5\0\x90\x10\x7F\0\xE8\x7F\x7F\0\0\0", 26});
     EXPECT_TRUE(waitUntil([&] { return heard >= expected.size(); }, limit)) << heard;
     EXPECT_EQ(wrong, 0U);
     EXPECT_EQ(heard, expected.size());

@@ -217,6 +217,12 @@ void XClient::setRootProperty(const std::string& name, const std::vector<unsigne
     XSync(display_, False);
 }
 
+void XClient::beActiveAs(std::string windowClass) const {
+    XClassHint names{windowClass.data(), windowClass.data()};
+    XSetClassHint(display_, window_, &names);
+    setRootProperty("_NET_ACTIVE_WINDOW", {windowClass.empty() ? None : window_});
+}
+
 void XClient::key(unsigned keycode, bool isDown) const {
     XTestFakeKeyEvent(display_, keycode, isDown ? True : False, CurrentTime);
     XSync(display_, False);

@@ -69,6 +69,9 @@ class XClient {
     void holdPressesBack() const;
     /// Hands on what was held back, and holds no more.
     void letPressesGo() const;
+    /// Tells, as window managers do, that our window is the one that is worked in, and gives it this class;
+    /// with an empty class no window is.
+    void beActiveAs(std::string windowClass) const;
 
     [[nodiscard]] _XDisplay* display() const { return display_; }
 
