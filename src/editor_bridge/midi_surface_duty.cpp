@@ -1,6 +1,6 @@
 // The MIDI surface: the iPhone's commands out, the workstation's faders in.
 
-#include <algorithm>
+#include <cstdint>
 #include <variant>
 
 #include "editor_bridge/app_watcher_daemon.h"

@@ -9,9 +9,9 @@
 
 namespace orbinex {
 
-/// The endpoints as ports of the kernel's sequencer, of a client each: the library makes two of the same name.
-/// The sequencer knows clients by number, so that others may have the same names too. Once there it stays:
-/// this connection is never lost.
+/// The endpoints as ports of the kernel's sequencer, of a client each: the library makes two of the same
+/// name. The sequencer knows clients by number, so that others may have the same names too. Once there it
+/// stays: this connection is never lost.
 class AlsaConnection final : public MIDIConnection {
   public:
     static std::unique_ptr<MIDIConnection> open(MIDIListener& listener);
