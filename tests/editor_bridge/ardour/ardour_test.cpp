@@ -25,6 +25,16 @@ namespace {
 
 using namespace std::chrono_literals;
 
+/// Ardour's scale, from the bottom of a fader's way at 0 to its top at 1, which is 6 dB.
+double ardourLevel(double position) {
+    const double doublings = (198 * std::pow(position, 1.0 / 8) - 192) / 6;
+    return doublings * 20 * std::log10(2);
+}
+double ardourPosition(double dB) {
+    const double doublings = dB / (20 * std::log10(2));
+    return std::pow((6 * doublings + 192) / 198, 8);
+}
+
 /// The bridge with an iPhone and its surface on a JACK server, and Ardour there too.
 class Studio {
   public:
@@ -40,7 +50,8 @@ class Studio {
             startBridge();
             ardour = std::make_unique<HeadlessArdour>();
             const bool isOpen = isReady();
-            std::printf("Ardour, attempt %d of %d: %s\n", attempt, attempts, isOpen ? "ready" : "cut off");
+            std::printf("Ardour, attempt %d of %d: %s\n", attempt, attempts, isOpen ? "ready" : "not ready");
+            std::fflush(stdout);
             if (isOpen) return {};
             failure = ardour->log();
             close();
@@ -98,26 +109,31 @@ class Studio {
         ardour.reset();
         world.daemon.reset();
     }
-    /// It has told its faders, and stays.
+    /// It has told its faders, moves one when we do, and stays.
     bool isReady() {
         const auto hasToldAll = [&] { return ardour->fader(HeadlessArdour::tracks).has_value(); };
-        comesToPass([&] {
-            ardour->follow();
-            return hasToldAll() || !ardour->isAlive();
-        });
-        return hasToldAll() && !comesToPass([&] { return !ardour->isAlive(); }, 1500ms);
+        // A busy computer takes its time to load so large a program.
+        comesToPass(
+            [&] {
+                ardour->follow();
+                return hasToldAll() || !ardour->isAlive();
+            },
+            60s);
+        return hasToldAll() && hearsUs() && !comesToPass([&] { return !ardour->isAlive(); }, 1500ms);
+    }
+    /// Its surface says nothing when it comes to life, which is some time after the session is loaded.
+    bool hearsUs() {
+        for (int dB = -30; dB < 0 && ardour->isAlive(); ++dB) {
+            world.command(("VOL|0|" + std::to_string(dB)).c_str());
+            const double there = ardourLevel(faderDBToScalar(dB));
+            const auto hasMoved = [&] {
+                return std::abs(ardour->fader(0).value_or(faderFloorDB) - there) < tolerance;
+            };
+            if (comesToPass(hasMoved, 1s)) return true;
+        }
+        return false;
     }
 };
-
-/// Ardour's scale, from the bottom of a fader's way at 0 to its top at 1, which is 6 dB.
-double ardourLevel(double position) {
-    const double doublings = (198 * std::pow(position, 1.0 / 8) - 192) / 6;
-    return doublings * 20 * std::log10(2);
-}
-double ardourPosition(double dB) {
-    const double doublings = dB / (20 * std::log10(2));
-    return std::pow((6 * doublings + 192) / 198, 8);
-}
 
 class Ardour : public ::testing::Test {
   protected:
