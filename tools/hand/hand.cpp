@@ -55,8 +55,11 @@ QString Hand::text(const QString& path) {
 QPoint Hand::place(const QString& path) {
     QQuickItem* const item = findItem(window_.contentItem(), path);
     if (!item) return {};
-    item->forceActiveFocus(Qt::OtherFocusReason);
+    item->forceActiveFocus(Qt::TabFocusReason);
     settle();
+    // The keyboard has brought it into view; what is done there is done by the pointer.
+    if (item->metaObject()->indexOfProperty("focusReason") >= 0)
+        item->setProperty("focusReason", QVariant::fromValue(Qt::MouseFocusReason));
     return item->mapToScene({item->width() / 2, item->height() / 2}).toPoint();
 }
 
@@ -92,7 +95,15 @@ bool Hand::turnWheel(const QString& path, const QPoint& angle) {
 }
 
 void Hand::press(const QString& path) {
-    QTest::mousePress(&window_, Qt::LeftButton, {}, place(path));
+    press(place(path));
+}
+
+void Hand::press(const QPoint& where) {
+    QTest::mousePress(&window_, Qt::LeftButton, {}, where);
+}
+
+void Hand::moveTo(const QPoint& where) {
+    QTest::mouseMove(&window_, where);
 }
 
 void Hand::letGo(const QPoint& where) {
@@ -103,6 +114,20 @@ void Hand::letGo(const QPoint& where) {
 void Hand::key(Qt::Key key, Qt::KeyboardModifiers modifiers) {
     QTest::keyClick(&window_, key, modifiers);
     settle();
+}
+
+void Hand::hold(Qt::Key key, int repeats) {
+    const auto send = [&](QEvent::Type type, bool isRepeat) {
+        QKeyEvent event(type, key, Qt::NoModifier, {}, isRepeat);
+        QCoreApplication::sendEvent(&window_, &event);
+        settle();
+    };
+    send(QEvent::KeyPress, false);
+    for (int repeat = 0; repeat < repeats; ++repeat) {
+        send(QEvent::KeyRelease, true);
+        send(QEvent::KeyPress, true);
+    }
+    send(QEvent::KeyRelease, false);
 }
 
 void Hand::type(const QString& text) {

@@ -37,8 +37,13 @@ class Hand {
     bool turnWheel(const QString& path, const QPoint& angle);
 
     void press(const QString& path);
+    /// Where the window is as it is: nothing is brought into view.
+    void press(const QPoint& where);
+    void moveTo(const QPoint& where);
     void letGo(const QPoint& where);
     void key(Qt::Key key, Qt::KeyboardModifiers modifiers = {});
+    /// Holds a key down until it has been repeated that often.
+    void hold(Qt::Key key, int repeats);
     /// Types into what has the focus; ASCII.
     void type(const QString& text);
 

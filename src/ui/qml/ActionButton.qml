@@ -1,8 +1,7 @@
 import QtQuick
-import QtQuick.Templates as T
 
 // What the buttons with a label have in common.
-T.Button {
+PressButton {
     id: button
 
     property bool compact: false
@@ -17,13 +16,7 @@ T.Button {
     rightPadding: leftPadding
     font.family: Theme.book
     font.pixelSize: compact ? Theme.smallSize : Theme.bodySize
-    focusPolicy: Qt.StrongFocus
     opacity: enabled ? 1 : 0.45
-    Accessible.name: text
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
-
-    HoverHandler { cursorShape: Qt.PointingHandCursor }
 
     contentItem: Item {
         implicitWidth: inside.implicitWidth

@@ -10,6 +10,8 @@ T.CheckBox {
     font.family: Theme.light
     font.pixelSize: Theme.smallSize
     Accessible.name: text
+    Accessible.onPressAction: toggle()
+    Accessible.onToggleAction: toggle()
 
     indicator: Rectangle {
         id: box

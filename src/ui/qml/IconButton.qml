@@ -1,8 +1,7 @@
 import QtQuick
-import QtQuick.Templates as T
 
 // A symbol to be clicked; `label` is its name for who cannot see it.
-T.Button {
+PressButton {
     id: button
 
     required property string symbol
@@ -10,12 +9,7 @@ T.Button {
 
     implicitWidth: 8 * Theme.unit
     implicitHeight: 8 * Theme.unit
-    focusPolicy: Qt.StrongFocus
     Accessible.name: label
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
-
-    HoverHandler { cursorShape: Qt.PointingHandCursor }
 
     contentItem: Item {
         Symbol {

@@ -17,7 +17,7 @@ GlassCard {
         visible: app.phones.trusted.count === 0
         width: parent.width
     }
-    Repeater {
+    Rows {
         model: app.phones.trusted
         PhoneRow {
             id: phone

@@ -21,7 +21,7 @@ GlassCard {
         text: texts.caution
         width: parent.width
     }
-    Repeater {
+    Rows {
         model: app.phones.nearby
         PhoneRow {
             id: phone

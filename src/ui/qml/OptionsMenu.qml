@@ -34,6 +34,7 @@ T.Menu {
         font.family: Theme.book
         font.pixelSize: Theme.bodySize
         Accessible.name: text
+        Accessible.onPressAction: clicked()
         onTriggered: app.message.askToForget(menu.phoneId)
 
         contentItem: Text {

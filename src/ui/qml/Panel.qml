@@ -91,7 +91,7 @@ Window {
                 objectName: "trustedDivider"
                 visible: app.phones.trusted.count > 0
             }
-            Repeater {
+            Rows {
                 model: app.phones.trusted
                 PanelPhone {
                     required property string phoneId
@@ -110,7 +110,7 @@ Window {
                 objectName: "nearbyDivider"
                 visible: app.phones.nearby.count > 0
             }
-            Repeater {
+            Rows {
                 model: app.phones.nearby
                 PanelPhone {
                     required property string phoneId

@@ -1,8 +1,7 @@
 import QtQuick
-import QtQuick.Templates as T
 
 // A line of the panel's footer, to be clicked.
-T.Button {
+PressButton {
     id: command
 
     required property string symbol
@@ -12,13 +11,7 @@ T.Button {
     rightPadding: 2 * Theme.unit
     font.family: Theme.book
     font.pixelSize: Theme.bodySize
-    focusPolicy: Qt.StrongFocus
     width: parent.width
-    Accessible.name: text
-    Keys.onReturnPressed: clicked()
-    Keys.onEnterPressed: clicked()
-
-    HoverHandler { cursorShape: Qt.PointingHandCursor }
 
     contentItem: Row {
         // The text stands where the names of iPhones do.

@@ -18,8 +18,16 @@ T.Switch {
         wanted(checked)
         checked = Qt.binding(() => toggle.value)
     }
-    Keys.onReturnPressed: wanted(!value)
-    Keys.onEnterPressed: wanted(!value)
+    Accessible.onPressAction: wanted(!value)
+    Accessible.onToggleAction: wanted(!value)
+    Keys.onReturnPressed: event => turnedBy(event)
+    Keys.onEnterPressed: event => turnedBy(event)
+    Keys.onSpacePressed: event => event.accepted = event.isAutoRepeat
+    Keys.onReleased: event => event.accepted = event.isAutoRepeat
+
+    function turnedBy(event) {
+        if (!event.isAutoRepeat) wanted(!value)
+    }
 
     HoverHandler { cursorShape: Qt.PointingHandCursor }
 
