@@ -39,6 +39,7 @@ TEST(Message, isAnsweredByTheKeyboardAlone) {
     hand.settle();
     hand.key(Qt::Key_Escape);
     EXPECT_EQ(*program.app.centralManager.alert, std::nullopt);
+    EXPECT_FALSE(hand.sees("messageTitle"));
 }
 
 TEST(Message, doesNotTakeTheAnswerToAnEarlierOne) {
@@ -72,6 +73,7 @@ TEST(Message, asksBeforeItForgets) {
     ASSERT_TRUE(hand.click("myPhone0/more"));
     ASSERT_TRUE(hand.click("forget"));
     hand.key(Qt::Key_Return);
+    EXPECT_FALSE(hand.sees("messageTitle"));
     EXPECT_TRUE(program.app.trustStore.deviceWithID(device.id)) << "Return alone forgets nothing";
     ASSERT_TRUE(hand.click("myPhone0/more"));
     ASSERT_TRUE(hand.click("forget"));
