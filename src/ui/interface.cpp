@@ -14,14 +14,18 @@
 
 namespace orbinex {
 
-Interface::Interface(Ports ports) : ports_(std::move(ports)) {
+Interface::Interface(Ports ports)
+    : ports_(std::move(ports)), notifications_([this](const std::string& startupToken) {
+          ports_.presence.setStartupToken(startupToken);
+          openMainWindow();
+      }) {
     QGuiApplication::setQuitOnLastWindowClosed(false);
     trayIcon_ = std::make_unique<TrayIcon>(
         ports_.app.preferences, ports_.app.centralManager,
         TrayIcon::Actions{[this] { togglePanel(); }, [this] { openMainWindow(); }});
     ports_.app.preferences.attach(ports_.presence, ports_.queue);
     releaseTimer_ = ports_.queue.after(launchTime, [this] { release(); });
-    // What needs an answer comes to the person; what only tells something waits for the window.
+    // What needs an answer comes to the person.
     observers_.push_back(ports_.pairing.question.onDidChange(
         [this](const auto& question) { question ? openForQuestion() : closeAfterQuestion(); }));
     observers_.push_back(ports_.relocation.alert.onDidChange([this](const auto& alert) {
@@ -86,9 +90,13 @@ void Interface::release() {
 }
 
 void Interface::tell(const std::optional<BLEAlert>& alert) {
-    if (!alert || (scene_ && scene_->isMainWindowVisible())) return;
-    trayIcon_->showMessage(QString::fromStdString(terminalText(alert->title)),
-                           QString::fromStdString(terminalText(alert->message)));
+    const auto isSeen = [this] { return scene_ && scene_->isMainWindowSeen(); };
+    if (!alert || isSeen()) return;
+    const auto title = QString::fromStdString(terminalText(alert->title));
+    const auto text = QString::fromStdString(terminalText(alert->message));
+    notifications_.tell(title, text, [this, isSeen, title, text] {
+        if (!isSeen() && !trayIcon_->showMessage(title, text)) openMainWindow();
+    });
 }
 
 void Interface::openForQuestion() {
@@ -111,7 +119,8 @@ void Interface::openMainWindow() {
         ports_.presence.prepare(*window);
         window->show();
     } else if (window->visibility() == QWindow::Minimized) {
-        window->showNormal();
+        // It stays as large as it was.
+        window->setWindowStates(window->windowStates() & ~Qt::WindowMinimized);
     }
     if (QQuickWindow* const panel = scene_->isPanelVisible() ? scene_->panel() : nullptr) panel->hide();
     ports_.presence.bringVisibleWindowToFront();

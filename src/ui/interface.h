@@ -9,6 +9,7 @@
 #include "app/app_coordinator.h"
 #include "app/app_relocation_manager.h"
 #include "base/main_queue.h"
+#include "ui/desktop_notifications.h"
 #include "ui/desktop_presence.h"
 #include "ui/exposure_watch.h"
 #include "ui/pairing_question.h"
@@ -70,6 +71,7 @@ class Interface final {
     Ports ports_;
     std::unique_ptr<Scene> scene_;
     std::unique_ptr<TrayIcon> trayIcon_;
+    DesktopNotifications notifications_;
     ExposureWatch exposure_;
     /// Connections to windows end with it.
     QObject context_;

@@ -4,14 +4,14 @@ namespace orbinex::InterfaceText {
 
 const std::vector<Label>& labels() {
     static const std::vector<Label> all{
-        {"orbinex", "Orbinex"},
+        {"orbinex", productName},
         {"wordmark", "ORBINEX"},
         // the panel
         {"connect", "Connect"},
         {"newIPhone", "New iPhone"},
         {"inputNotAllowed", "Input control not allowed"},
         {"allow", "Allow…"},
-        {"openOrbinex", "Open Orbinex…"},
+        {"openOrbinex", openOrbinex},
         {"quitOrbinex", "Quit Orbinex"},
         // the connection
         {"searchAgain", searchAgain},

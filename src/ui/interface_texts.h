@@ -18,6 +18,9 @@ struct Label {
 };
 [[nodiscard]] const std::vector<Label>& labels();
 
+inline constexpr const char* productName = "Orbinex";
+inline constexpr const char* openOrbinex = "Open Orbinex…";
+
 // The link in a word, and what can be done about it.
 inline constexpr const char* bluetoothUnavailableWord = "Bluetooth Unavailable";
 inline constexpr const char* searchingWord = "Searching";

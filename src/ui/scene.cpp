@@ -61,6 +61,11 @@ QQuickWindow* Scene::panel() {
     return panel_.get();
 }
 
+bool Scene::isMainWindowSeen() const {
+    return isMainWindowVisible() && mainWindow_->isExposed() &&
+           mainWindow_->visibility() != QWindow::Minimized;
+}
+
 bool Scene::hasVisibleWindow() const {
     return isMainWindowVisible() || isPanelVisible();
 }

@@ -28,6 +28,8 @@ class Scene final {
     [[nodiscard]] QQuickWindow* panel();
     [[nodiscard]] bool hasVisibleWindow() const;
     [[nodiscard]] bool isMainWindowVisible() const { return mainWindow_ && mainWindow_->isVisible(); }
+    /// Something of it is on a screen: it is not minimised, and not on another desktop.
+    [[nodiscard]] bool isMainWindowSeen() const;
     [[nodiscard]] bool isPanelVisible() const { return panel_ && panel_->isVisible(); }
 
   private:

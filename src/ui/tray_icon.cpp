@@ -76,7 +76,8 @@ QRect TrayIcon::geometry() const {
 }
 
 bool TrayIcon::showMessage(const QString& title, const QString& text) {
-    if (!icon_ || !QSystemTrayIcon::supportsMessages()) return false;
+    // An icon without a place of its own is drawn over the bus, and so would the message be.
+    if (geometry().isEmpty() || !QSystemTrayIcon::supportsMessages()) return false;
     icon_->showMessage(title, text, icon_->icon());
     return true;
 }

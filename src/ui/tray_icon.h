@@ -31,7 +31,7 @@ class TrayIcon final : public QObject {
     [[nodiscard]] bool isShown() const { return icon_ != nullptr; }
     /// Where it is on the screen; empty where the desktop does not tell.
     [[nodiscard]] QRect geometry() const;
-    /// Tells something without a window; false where that cannot be done.
+    /// Tells something in a balloon at the icon; false where only a notification service could.
     bool showMessage(const QString& title, const QString& text);
 
   private:

@@ -51,11 +51,22 @@ TEST(Interface, keepsTheWindowsOfWhoOpensOneAgainAtOnce) {
     EXPECT_TRUE(window->isVisible());
 }
 
-TEST(Interface, leavesAnAlertForTheWindowToShow) {
+TEST(Interface, opensTheWindowForAnAlertThatNothingElseCanShow) {
     FacedProgram program;
-    program.app.centralManager.connectTrustedDevice(program.trust("Studio"));
-    EXPECT_EQ(program.face.scene(), nullptr) << "what only tells something opens no window";
-    Hand hand(program.window());
+    const auto studio = program.trust("Studio");
+    program.app.centralManager.connectTrustedDevice(studio);
+    ASSERT_TRUE(program.face.hasVisibleWindows()) << "there is no notification service here";
+    QQuickWindow& window = program.window();
+    Hand hand(window);
+    EXPECT_EQ(hand.text("messageTitle"), "Studio Isn't Nearby");
+    ASSERT_TRUE(hand.click("messageButton0"));
+
+    // A window that is minimised is not seen, and is as large as before when it is seen again.
+    window.setWindowStates(Qt::WindowMaximized | Qt::WindowMinimized);
+    hand.settle();
+    EXPECT_FALSE(program.face.scene()->isMainWindowSeen());
+    program.app.centralManager.connectTrustedDevice(studio);
+    EXPECT_EQ(window.windowStates(), Qt::WindowMaximized);
     EXPECT_EQ(hand.text("messageTitle"), "Studio Isn't Nearby");
 }
 

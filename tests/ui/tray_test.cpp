@@ -1,18 +1,22 @@
 // The tray icon on an X server of the test's own: in a tray that takes windows, and, where a session bus is
 // given, in one that speaks to icons over it. The two exclude each other in one process.
 
+#include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDBusPendingReply>
 #include <QDeadlineTimer>
 #include <QProcess>
-#include <QScopeGuard>
 #include <QThread>
+#include <algorithm>
 #include <functional>
+#include <utility>
 
 #include <gtest/gtest.h>
 
 #include "pictures/faced_program.h"
 #include "support/private_x_server.h"
+#include "ui/notification_service.h"
 #include "ui/notifier_watcher.h"
 #include "ui/root_listener.h"
 #include "ui/x_pointer.h"
@@ -159,25 +163,95 @@ TEST(SecondLaunch, bringsTheWindowToTheFrontByTheLaunchersToken) {
     }
 }
 
-TEST(NotifierTray, registersTheIconAndOpensThePanelWhenItIsActivated) {
-    const QString address = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
-    if (!address.startsWith("unix:") || address.contains("nonexistent")) GTEST_SKIP() << "no session bus";
-    static_cast<void>(desktop());
-    ASSERT_EQ(QCoreApplication::instance(), nullptr) << "to be run alone in its process";
-    application();
+/// A desktop that speaks to icons over the bus. What the toolkit finds out about it holds for the process.
+class NotifierTray : public testing::Test {
+  protected:
+    static constexpr const char* watcherName = "org.kde.StatusNotifierWatcher";
 
-    NotifierWatcher watcher;
-    QThread thread;
-    // What the checks below leave early ends here.
-    const auto end = qScopeGuard([&thread] {
+    void SetUp() override {
+        const QString address = qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS");
+        if (!address.startsWith("unix:") || address.contains("nonexistent")) GTEST_SKIP() << "no session bus";
+        static_cast<void>(desktop());
+        application();
+        bus = QDBusConnection::connectToBus(address, "tray");
+        ASSERT_TRUE(
+            bus.registerObject("/StatusNotifierWatcher", &watcher,
+                               QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllProperties));
+        ASSERT_TRUE(bus.registerObject(notificationPath, &notifications, QDBusConnection::ExportAllSlots));
+        watcher.moveToThread(&thread);
+        notifications.moveToThread(&thread);
+        thread.start();
+    }
+    void TearDown() override {
         thread.quit();
         thread.wait();
+        bus.unregisterService(watcherName);
+        bus.unregisterService(notificationName);
+        QDBusConnection::disconnectFromBus("tray");
+    }
+
+    /// A call to the icon of this process; the answer arrives through its event loop.
+    QDBusPendingReply<QVariantMap> call(const char* interface, const char* method, const QVariantList& with) {
+        auto message =
+            QDBusMessage::createMethodCall(watcher.item(), "/StatusNotifierItem", interface, method);
+        message.setArguments(with);
+        QDBusPendingReply<QVariantMap> reply = bus.asyncCall(message);
+        reaches([&] { return reply.isFinished(); });
+        return reply;
+    }
+    /// What the icon tells of itself.
+    struct IconFace {
+        QString toolTip;
+        /// Light pixels of the largest picture.
+        int light = 0;
+    };
+    IconFace iconFace();
+    void signal(const char* name, const QVariantList& values) {
+        auto message = QDBusMessage::createSignal(notificationPath, notificationName, name);
+        message.setArguments(values);
+        bus.send(message);
+    }
+
+    NotifierWatcher watcher;
+    NotificationService notifications;
+    QThread thread;
+    QDBusConnection bus{"none"};
+};
+
+NotifierTray::IconFace NotifierTray::iconFace() {
+    const QVariantMap told =
+        call("org.freedesktop.DBus.Properties", "GetAll", {"org.kde.StatusNotifierItem"}).value();
+    IconFace face;
+    QString icon;
+    QByteArray pixels;
+    int width = 0;
+    int height = 0;
+    const auto readPictures = [&](const QDBusArgument& from, const std::function<void()>& use) {
+        for (from.beginArray(); !from.atEnd();) {
+            from.beginStructure();
+            from >> width >> height >> pixels;
+            from.endStructure();
+            use();
+        }
+        from.endArray();
+    };
+    const auto tip = told["ToolTip"].value<QDBusArgument>();
+    tip.beginStructure();
+    tip >> icon;
+    readPictures(tip, [] {});
+    tip >> face.toolTip;
+    int largest = 0;
+    readPictures(told["IconPixmap"].value<QDBusArgument>(), [&] {
+        if (std::exchange(largest, std::max(largest, width)) >= width) return;
+        face.light = 0;
+        // Opacity, red, green, blue.
+        for (qsizetype at = 0; at + 3 < pixels.size(); at += 4)
+            face.light += static_cast<uchar>(pixels[at]) > 200 && static_cast<uchar>(pixels[at + 1]) > 200;
     });
-    auto bus = QDBusConnection::connectToBus(address, "tray");
-    ASSERT_TRUE(bus.registerObject("/StatusNotifierWatcher", &watcher,
-                                   QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllProperties));
-    watcher.moveToThread(&thread);
-    thread.start();
+    return face;
+}
+
+TEST_F(NotifierTray, opensThePanelWhenTheIconIsActivated) {
     // The first program runs before there is a tray, the second starts after it.
     for (const bool isLate : {true, false}) {
         watcher.forget();
@@ -185,13 +259,10 @@ TEST(NotifierTray, registersTheIconAndOpensThePanelWhenItIsActivated) {
         if (isLate) {
             QCoreApplication::processEvents();
             ASSERT_FALSE(program.face.trayIcon().isShown());
-            ASSERT_TRUE(bus.registerService("org.kde.StatusNotifierWatcher"));
+            ASSERT_TRUE(bus.registerService(watcherName));
         }
         ASSERT_TRUE(reaches([&] { return !watcher.item().isEmpty(); }));
-        auto activate = QDBusMessage::createMethodCall(watcher.item(), "/StatusNotifierItem",
-                                                       "org.kde.StatusNotifierItem", "Activate");
-        activate.setArguments({0, 0});
-        bus.send(activate);
+        call("org.kde.StatusNotifierItem", "Activate", {0, 0});
         ASSERT_TRUE(reaches([&] {
             return program.face.scene() && program.face.scene()->isPanelVisible() &&
                    program.face.scene()->panel()->isExposed();
@@ -201,6 +272,62 @@ TEST(NotifierTray, registersTheIconAndOpensThePanelWhenItIsActivated) {
         ASSERT_TRUE(hand.click("quitOrbinex"));
         EXPECT_EQ(program.quits, 1);
     }
+}
+
+TEST_F(NotifierTray, showsThePhaseInTheIcon) {
+    ASSERT_TRUE(bus.registerService(watcherName));
+    FacedProgram program;
+    ASSERT_TRUE(reaches([&] { return !watcher.item().isEmpty(); }));
+    auto& phone = program.addPhone("Ada");
+    const IconFace searching = iconFace();
+    program.bringTo(LinkPhase::securing, phone);
+    const IconFace securing = iconFace();
+    phone.dropLink();
+    program.advance(1s);
+    program.bringTo(LinkPhase::connected, phone);
+    const IconFace connected = iconFace();
+    EXPECT_EQ(searching.toolTip, "Orbinex — Searching");
+    EXPECT_EQ(securing.toolTip, "Orbinex — Securing");
+    EXPECT_EQ(connected.toolTip, "Orbinex — Connected");
+    EXPECT_GT(searching.light, 50) << "it is drawn";
+    EXPECT_EQ(securing.light, searching.light);
+    EXPECT_GT(connected.light, 2 * searching.light) << "the mouse is filled";
+}
+
+TEST_F(NotifierTray, notifiesOfAnAlertAndOpensTheWindowByAClick) {
+    ASSERT_TRUE(bus.registerService(watcherName));
+    ASSERT_TRUE(bus.registerService(notificationName));
+    FacedProgram program;
+    ASSERT_TRUE(reaches([&] { return !watcher.item().isEmpty(); }));
+    program.app.centralManager.alert =
+        BLEAlert{UUID::random(), "<b>x</b> Isn't Nearby", "Where is <b>x</b>?"};
+    // The answer to the first has to arrive before another can take its place.
+    ASSERT_TRUE(reaches([&] {
+        const auto told = notifications.told();
+        if (told.empty()) return false;
+        if (told.back().replaces == NotificationService::id) return true;
+        program.app.centralManager.alert = BLEAlert{UUID::random(), "Second", "Message"};
+        return false;
+    })) << "one at a time";
+    const auto told = notifications.told();
+    EXPECT_EQ(told[0].title, "<b>x</b> Isn't Nearby");
+    EXPECT_EQ(told[0].text, "Where is &lt;b&gt;x&lt;/b&gt;?");
+    EXPECT_EQ(told[0].actions, (QStringList{"default", "Open Orbinex…"}));
+    EXPECT_EQ(told[0].replaces, 0U);
+    EXPECT_FALSE(program.face.hasVisibleWindows());
+
+    RootListener root(desktop().server.display());
+    signal("ActionInvoked", {NotificationService::id + 1, "default"});
+    signal("ActivationToken", {NotificationService::id, "desktop_TIME4711"});
+    signal("ActionInvoked", {NotificationService::id, "default"});
+    ASSERT_TRUE(reaches([&] { return program.face.scene() && program.face.scene()->isMainWindowSeen(); }));
+    bool isActivatedByToken = false;
+    EXPECT_TRUE(reaches([&] {
+        for (const auto& message : root.take())
+            isActivatedByToken |= message.type == "_NET_ACTIVE_WINDOW" && message.values[1] == 4711;
+        return isActivatedByToken;
+    }));
+    EXPECT_EQ(Hand(program.window()).text("messageTitle"), "Second");
 }
 
 }  // namespace

@@ -7,7 +7,11 @@ QApplication& application() {
     static char name[] = "orbinex";
     static char* arguments[] = {name, nullptr};
     static QApplication* const made = [] {
-        if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+        if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
+            qputenv("QT_QPA_PLATFORM", "offscreen");
+            // Nor is anything told on the desktop of whoever runs this.
+            qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
+        }
         Interface::prepareApplication();
         return new QApplication(count, arguments);
     }();
