@@ -55,7 +55,6 @@ void PhoneModel::setLink(PhoneSession::Link link) {
         session_ = PhoneSession();
         session_.link = link;
         showTracks();
-        Q_EMIT sessionChanged();
         Q_EMIT telemetryChanged();
         Q_EMIT metersChanged();
     }
@@ -66,8 +65,6 @@ void PhoneModel::receive(const ControlMessage& message) {
     switch (session_.apply(message)) {
         case PhoneSession::Change::nothing: break;
         case PhoneSession::Change::computer: Q_EMIT linkChanged(); break;
-        case PhoneSession::Change::application:
-        case PhoneSession::Change::header: Q_EMIT sessionChanged(); break;
         case PhoneSession::Change::telemetry: Q_EMIT telemetryChanged(); break;
         case PhoneSession::Change::tracks: showTracks(); break;
         case PhoneSession::Change::meters:
@@ -211,10 +208,6 @@ QString PhoneModel::linkWord() const {
         case PhoneSession::Link::connected: return QStringLiteral("Connected");
     }
     return {};
-}
-
-QString PhoneModel::application() const {
-    return QString::fromStdString(session_.application).section('.', -1);
 }
 
 QString PhoneModel::selectedName() {

@@ -21,7 +21,6 @@ class PhoneModel final : public QObject {
     Q_PROPERTY(bool isOn READ isOn NOTIFY linkChanged)
     Q_PROPERTY(QString linkWord READ linkWord NOTIFY linkChanged)
     Q_PROPERTY(QString computer READ computer NOTIFY linkChanged)
-    Q_PROPERTY(QString application READ application NOTIFY sessionChanged)
     Q_PROPERTY(QString timecode READ timecode NOTIFY telemetryChanged)
     Q_PROPERTY(QString speed READ speed NOTIFY telemetryChanged)
     Q_PROPERTY(bool isPlaying READ isPlaying NOTIFY telemetryChanged)
@@ -81,8 +80,6 @@ class PhoneModel final : public QObject {
     [[nodiscard]] bool isOn() const { return session_.link != PhoneSession::Link::off; }
     [[nodiscard]] QString linkWord() const;
     [[nodiscard]] QString computer() const { return QString::fromStdString(session_.computer); }
-    /// The last part of its identifier.
-    [[nodiscard]] QString application() const;
     [[nodiscard]] QString timecode() const { return QString::fromStdString(session_.telemetry.timecode); }
     [[nodiscard]] QString speed() const { return QString::fromStdString(session_.telemetry.playbackSpeed); }
     [[nodiscard]] bool isPlaying() const { return session_.telemetry.isPlaying; }
@@ -99,7 +96,6 @@ class PhoneModel final : public QObject {
 
   Q_SIGNALS:
     void linkChanged();
-    void sessionChanged();
     void telemetryChanged();
     void tracksChanged();
     void metersChanged();

@@ -13,15 +13,9 @@ PhoneSession::Change PhoneSession::apply(const ControlMessage& message) {
             if constexpr (std::is_same_v<Told, ControlMessage::Hello>) {
                 computer = told.macName;
                 return Change::computer;
-            } else if constexpr (std::is_same_v<Told, ControlMessage::ActiveApp>) {
-                application = told.bundleID;
-                return Change::application;
             } else if constexpr (std::is_same_v<Told, SessionTelemetry>) {
                 telemetry = told;
                 return Change::telemetry;
-            } else if constexpr (std::is_same_v<Told, DAWHeader>) {
-                header = told;
-                return Change::header;
             } else if constexpr (std::is_same_v<Told, DAWTrackState>) {
                 put(told);
                 return Change::tracks;

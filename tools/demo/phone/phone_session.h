@@ -9,20 +9,17 @@
 
 namespace orbinex::demo {
 
-/// Everything that the phone was told by the computer, put together.
+/// What the phone shows of what it was told by the computer, put together.
 struct PhoneSession {
     enum class Link { off, waiting, connected };
     /// What a message has changed.
-    enum class Change { nothing, computer, application, telemetry, header, tracks, meters };
+    enum class Change { nothing, computer, telemetry, tracks, meters };
     /// Tracks of which there is room on the phone; others are not kept.
     static constexpr std::int64_t mostTracks = 64;
 
     Link link = Link::off;
     std::string computer;
-    /// Identifier of the application in front.
-    std::string application;
     SessionTelemetry telemetry;
-    DAWHeader header;
     /// In the order of their indices, the master not among them.
     std::vector<DAWTrackState> tracks;
     DAWTrackState master = unknownMaster();

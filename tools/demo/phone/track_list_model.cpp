@@ -19,7 +19,6 @@ QString volumeText(double dB) {
 Strip stripOf(const PhoneSession& session, const DAWTrackState& track) {
     Strip strip{.index = track.index,
                 .name = QString::fromStdString(track.name),
-                .clipName = QString::fromStdString(track.clipName),
                 .isMuted = track.isMuted,
                 .isSolo = track.isSolo,
                 .isSelected = track.index == session.selectedTrack,
@@ -59,7 +58,6 @@ QVariant TrackListModel::data(const QModelIndex& index, int role) const {
     switch (role) {
         case trackIndexRole: return static_cast<int>(strip.index);
         case nameRole: return strip.name;
-        case clipNameRole: return strip.clipName;
         case isMutedRole: return strip.isMuted;
         case isSoloRole: return strip.isSolo;
         case isSelectedRole: return strip.isSelected;
@@ -73,11 +71,15 @@ QVariant TrackListModel::data(const QModelIndex& index, int role) const {
 }
 
 QHash<int, QByteArray> TrackListModel::roleNames() const {
-    return {{trackIndexRole, "trackIndex"}, {nameRole, "name"},
-            {clipNameRole, "clipName"},     {isMutedRole, "isMuted"},
-            {isSoloRole, "isSolo"},         {isSelectedRole, "isSelected"},
-            {faderRole, "fader"},           {volumeRole, "volume"},
-            {levelRole, "level"},           {holdRole, "hold"},
+    return {{trackIndexRole, "trackIndex"},
+            {nameRole, "name"},
+            {isMutedRole, "isMuted"},
+            {isSoloRole, "isSolo"},
+            {isSelectedRole, "isSelected"},
+            {faderRole, "fader"},
+            {volumeRole, "volume"},
+            {levelRole, "level"},
+            {holdRole, "hold"},
             {isClippingRole, "isClipping"}};
 }
 

@@ -11,7 +11,6 @@ namespace orbinex::demo {
 struct Strip {
     std::int64_t index = 0;
     QString name;
-    QString clipName;
     bool isMuted = false;
     bool isSolo = false;
     bool isSelected = false;
@@ -51,7 +50,6 @@ class TrackListModel final : public QAbstractListModel {
     enum Role {
         trackIndexRole = Qt::UserRole,
         nameRole,
-        clipNameRole,
         isMutedRole,
         isSoloRole,
         isSelectedRole,
