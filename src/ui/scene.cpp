@@ -1,13 +1,12 @@
 #include "ui/scene.h"
 
-#include <QQmlComponent>
 #include <QQmlContext>
-#include <QQmlPropertyMap>
 #include <utility>
 
 #include "ui/interface_texts.h"
 #include "ui/symbol_provider.h"
 #include "ui/typeface.h"
+#include "ui/window_loader.h"
 
 namespace orbinex {
 
@@ -20,12 +19,6 @@ QVariantMap texts() {
     return map;
 }
 
-QVariantMap typeface() {
-    const Typeface chosen = chooseTypeface();
-    return {
-        {"book", chosen.book}, {"light", chosen.light}, {"scale", chosen.scale}, {"natural", chosen.natural}};
-}
-
 }  // namespace
 
 Scene::Scene(const InterfaceModel::Sources& sources, InterfaceModel::Actions actions, WindowMade windowMade)
@@ -33,22 +26,15 @@ Scene::Scene(const InterfaceModel::Sources& sources, InterfaceModel::Actions act
     engine_.addImportPath("qrc:/");
     engine_.addImageProvider("symbol", new SymbolProvider);
     engine_.rootContext()->setContextProperties(
-        {{"app", QVariant::fromValue(&model_)}, {"texts", texts()}, {"typeface", typeface()}});
+        {{"app", QVariant::fromValue(&model_)}, {"texts", texts()}, {"typeface", installedTypeface()}});
 }
 
 Scene::~Scene() = default;
 
 std::unique_ptr<QQuickWindow> Scene::load(const QString& file) {
-    QQmlComponent component(&engine_, QUrl("qrc:/Orbinex/" + file));
-    std::unique_ptr<QObject> made(component.create());
-    auto* const window = qobject_cast<QQuickWindow*>(made.get());
-    if (!window) {
-        qWarning("orbinex: the window cannot be shown: %s", qUtf8Printable(component.errorString()));
-        return nullptr;
-    }
-    static_cast<void>(made.release());
-    windowMade_(*window);
-    return std::unique_ptr<QQuickWindow>(window);
+    auto window = loadWindow(engine_, QUrl("qrc:/Orbinex/" + file));
+    if (window) windowMade_(*window);
+    return window;
 }
 
 QQuickWindow* Scene::mainWindow() {

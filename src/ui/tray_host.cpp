@@ -8,10 +8,9 @@
 #include <chrono>
 #include <cstdlib>
 #include <memory>
-#include <string>
 #include <utility>
 
-#include <xcb/xcb.h>
+#include "ui/x11_atoms.h"
 
 namespace orbinex {
 
@@ -27,21 +26,8 @@ std::unique_ptr<Reply, decltype(&std::free)> adopt(Reply* reply) {
     return {reply, &std::free};
 }
 
-xcb_atom_t atomNamed(xcb_connection_t* connection, const std::string& name) {
-    const auto cookie = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.c_str());
-    const auto reply = adopt(xcb_intern_atom_reply(connection, cookie, nullptr));
-    return reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
-}
-
-/// Null on platforms that are not X11.
-xcb_connection_t* xConnection() {
-    const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    return x11 ? x11->connection() : nullptr;
-}
-
-bool takesWindows(xcb_connection_t* connection) {
-    // The one of the first screen; no desktop has had another for long.
-    const auto cookie = xcb_get_selection_owner(connection, atomNamed(connection, "_NET_SYSTEM_TRAY_S0"));
+bool takesWindows(xcb_connection_t* connection, xcb_atom_t tray) {
+    const auto cookie = xcb_get_selection_owner(connection, tray);
     const auto reply = adopt(xcb_get_selection_owner_reply(connection, cookie, nullptr));
     return reply && reply->owner != XCB_WINDOW_NONE;
 }
@@ -60,8 +46,15 @@ void hearTheRoot(xcb_connection_t* connection) {
 
 TrayHost::TrayHost(std::function<void()> appeared)
     : appeared_(std::move(appeared)), bus_(QDBusConnection::sessionBus()) {
-    xcb_connection_t* const connection = xConnection();
-    if (!connection || takesWindows(connection)) {
+    xcb_connection_t* const connection = toolkitX11Connection();
+    if (!connection) {
+        appear();
+        return;
+    }
+    managerAtom_ = atomNamed(connection, "MANAGER");
+    // The one of the first screen; no desktop has had another for long.
+    trayAtom_ = atomNamed(connection, "_NET_SYSTEM_TRAY_S0");
+    if (takesWindows(connection, trayAtom_)) {
         appear();
         return;
     }
@@ -103,17 +96,15 @@ bool TrayHost::nativeEventFilter(const QByteArray& type, void* message, qintptr*
     if (type != "xcb_generic_event_t" || (event->response_type & sentMask) != XCB_CLIENT_MESSAGE)
         return false;
     // A tray tells of itself on the root window by MANAGER.
-    xcb_connection_t* const connection = xConnection();
     const auto* const client = reinterpret_cast<const xcb_client_message_event_t*>(event);
-    if (isPresent_ || client->type != atomNamed(connection, "MANAGER") ||
-        client->data.data32[1] != atomNamed(connection, "_NET_SYSTEM_TRAY_S0"))
-        return false;
-    settling_.start(settleTime);
+    if (client->type == managerAtom_ && client->data.data32[1] == trayAtom_) settling_.start(settleTime);
     return false;
 }
 
 void TrayHost::appear() {
-    if (!std::exchange(isPresent_, true)) appeared_();
+    if (std::exchange(isPresent_, true)) return;
+    qGuiApp->removeNativeEventFilter(this);
+    appeared_();
 }
 
 }  // namespace orbinex

@@ -5,6 +5,7 @@
 #include <QDBusServiceWatcher>
 #include <QObject>
 #include <QTimer>
+#include <cstdint>
 #include <functional>
 
 namespace orbinex {
@@ -30,6 +31,9 @@ class TrayHost final : public QObject, QAbstractNativeEventFilter {
 
     std::function<void()> appeared_;
     bool isPresent_ = false;
+    // What a tray that takes windows tells of itself by.
+    std::uint32_t managerAtom_ = 0;
+    std::uint32_t trayAtom_ = 0;
     QDBusConnection bus_;
     QDBusServiceWatcher watcher_;
     QTimer settling_;

@@ -31,13 +31,20 @@ double naturalHeight(const QString& family) {
 
 }  // namespace
 
-Typeface chooseTypeface() {
-    for (const auto& [book, light, scale] : candidates) {
-        if (!QFontDatabase::hasFamily(book)) continue;
-        return {book, QFontDatabase::hasFamily(light) ? light : book, scale, naturalHeight(book)};
-    }
-    const QString own = QGuiApplication::font().family();
-    return {own, own, 0.88, naturalHeight(own)};
+Typeface chooseTypeface(const std::function<bool(const QString&)>& hasFamily, const QString& desktopFamily) {
+    for (const auto& [book, light, scale] : candidates)
+        if (hasFamily(book)) return {.book = book, .light = hasFamily(light) ? light : book, .scale = scale};
+    return {.book = desktopFamily, .light = desktopFamily, .scale = 0.88};
+}
+
+QVariantMap installedTypeface() {
+    const Typeface chosen =
+        chooseTypeface([](const QString& family) { return QFontDatabase::hasFamily(family); },
+                       QGuiApplication::font().family());
+    return {{"book", chosen.book},
+            {"light", chosen.light},
+            {"scale", chosen.scale},
+            {"natural", naturalHeight(chosen.book)}};
 }
 
 }  // namespace orbinex

@@ -1,33 +1,18 @@
 #include "ui/x11_window_hints.h"
 
-#include <QGuiApplication>
+#include <QPainterPath>
+#include <QRegion>
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <string>
 
-#include <xcb/xcb.h>
+#include "ui/x11_atoms.h"
 
 namespace orbinex {
 
 namespace {
-
-/// Null where the platform is not X11. Those that draw through X11 without being it offer the interface, but
-/// no connection.
-xcb_connection_t* x11Connection() {
-    const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    return x11 ? x11->connection() : nullptr;
-}
-
-xcb_atom_t atomNamed(xcb_connection_t* connection, const char* name) {
-    const auto cookie = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(std::strlen(name)), name);
-    const std::unique_ptr<xcb_intern_atom_reply_t, decltype(&std::free)> reply(
-        xcb_intern_atom_reply(connection, cookie, nullptr), &std::free);
-    return reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
-}
 
 xcb_window_t idOf(const QWindow& window) {
     return static_cast<xcb_window_t>(window.winId());
@@ -68,7 +53,7 @@ std::string quoted(std::string_view text) {
 }  // namespace
 
 void setSkipsTaskBar(QWindow& window, bool isSkipped) {
-    xcb_connection_t* const connection = x11Connection();
+    xcb_connection_t* const connection = toolkitX11Connection();
     if (!connection) return;
     const xcb_atom_t state = atomNamed(connection, "_NET_WM_STATE");
     const std::array skips{atomNamed(connection, "_NET_WM_STATE_SKIP_TASKBAR"),
@@ -85,6 +70,13 @@ void setSkipsTaskBar(QWindow& window, bool isSkipped) {
     xcb_flush(connection);
 }
 
+void roundCorners(QWindow& window, int radius) {
+    if (!toolkitX11Connection()) return;
+    QPainterPath shape;
+    shape.addRoundedRect(QRectF(QPointF(), window.size()), radius, radius);
+    window.setMask(QRegion(shape.toFillPolygon().toPolygon()));
+}
+
 std::optional<std::uint32_t> startupTime(std::string_view startupToken) {
     constexpr std::string_view mark = "_TIME";
     const auto at = startupToken.rfind(mark);
@@ -98,7 +90,7 @@ std::optional<std::uint32_t> startupTime(std::string_view startupToken) {
 }
 
 bool activateForLaunch(QWindow& window, std::string_view startupToken) {
-    xcb_connection_t* const connection = x11Connection();
+    xcb_connection_t* const connection = toolkitX11Connection();
     const auto time = startupTime(startupToken);
     if (!connection || !time) return false;
     askWindowManager(connection, idOf(window), atomNamed(connection, "_NET_ACTIVE_WINDOW"),
@@ -108,7 +100,7 @@ bool activateForLaunch(QWindow& window, std::string_view startupToken) {
 }
 
 void tellLaunched(QWindow& window, std::string_view startupToken) {
-    xcb_connection_t* const connection = x11Connection();
+    xcb_connection_t* const connection = toolkitX11Connection();
     if (!connection || startupToken.empty()) return;
     // The text and its NUL go in pieces, the first of which has a type of its own.
     const std::string text = "remove: ID=" + quoted(startupToken);

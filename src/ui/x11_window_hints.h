@@ -13,6 +13,9 @@ namespace orbinex {
 /// Takes a window out of the task bar, the pager and the window switcher, or puts it back.
 void setSkipsTaskBar(QWindow& window, bool isSkipped);
 
+/// Rounds the corners of a window without a frame, in pixels of the interface; without a compositor too.
+void roundCorners(QWindow& window, int radius);
+
 /// When the person did what led to a launch, by the X server's clock in milliseconds; nothing when the token
 /// does not tell. By the Startup Notification Protocol such tokens end in "_TIME" and that number.
 [[nodiscard]] std::optional<std::uint32_t> startupTime(std::string_view startupToken);

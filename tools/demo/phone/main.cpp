@@ -2,16 +2,13 @@
 // With --by-orders it never takes the keyboard from other windows.
 
 #include <QGuiApplication>
-#include <QQmlComponent>
 #include <QQmlContext>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QSGRendererInterface>
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
-#include <memory>
 #include <utility>
 #include <variant>
 
@@ -21,6 +18,7 @@
 #include "test_phone/words.h"
 #include "ui/symbol_provider.h"
 #include "ui/typeface.h"
+#include "ui/window_loader.h"
 
 namespace {
 
@@ -35,25 +33,6 @@ PhoneSession::Link linkNamed(std::string_view name) {
 bool isOfKeyboard(const DecodedPacket& packet) {
     return std::holds_alternative<DecodedPacket::KeyStroke>(packet.value) ||
            std::holds_alternative<DecodedPacket::Text>(packet.value);
-}
-
-QVariantMap typeface() {
-    const Typeface chosen = chooseTypeface();
-    return {
-        {"book", chosen.book}, {"light", chosen.light}, {"scale", chosen.scale}, {"natural", chosen.natural}};
-}
-
-/// Null when it cannot be made, which is then said.
-std::unique_ptr<QQuickWindow> loadWindow(QQmlEngine& engine) {
-    QQmlComponent component(&engine, QUrl("qrc:/OrbinexPhone/PhoneWindow.qml"));
-    std::unique_ptr<QObject> made(component.create());
-    auto* const window = qobject_cast<QQuickWindow*>(made.get());
-    if (!window) {
-        std::fprintf(stderr, "phone: %s\n", qUtf8Printable(component.errorString()));
-        return nullptr;
-    }
-    static_cast<void>(made.release());
-    return std::unique_ptr<QQuickWindow>(window);
 }
 
 /// As large as was designed, or as the screen has room for.
@@ -81,8 +60,8 @@ int main(int argc, char** argv) {
     engine.addImportPath("qrc:/");
     engine.addImageProvider("symbol", new SymbolProvider);
     engine.rootContext()->setContextProperties(
-        {{"phone", QVariant::fromValue(&model)}, {"typeface", typeface()}});
-    const auto window = loadWindow(engine);
+        {{"phone", QVariant::fromValue(&model)}, {"typeface", installedTypeface()}});
+    const auto window = loadWindow(engine, QUrl("qrc:/OrbinexPhone/PhoneWindow.qml"));
     if (!window) return EXIT_FAILURE;
     // Acts of the hand reach items also while another window is active.
     window->contentItem()->setFocus(true);
