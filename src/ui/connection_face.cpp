@@ -36,7 +36,7 @@ PhaseFace phaseFace(LinkPhase phase) {
             LinkAction::searchAgain};
 }
 
-std::string actionLabel(LinkAction action) {
+const char* actionLabel(LinkAction action) {
     switch (action) {
         case LinkAction::none: break;
         case LinkAction::searchAgain: return Text::searchAgain;
@@ -44,23 +44,50 @@ std::string actionLabel(LinkAction action) {
         case LinkAction::disconnect: return Text::disconnect;
         case LinkAction::openBluetoothSettings: return Text::openBluetoothSettings;
     }
-    return {};
+    return "";
 }
 
-ConnectionFace connectionFace(LinkPhase phase, const std::optional<std::string>& activeName,
-                              bool anyTrusted) {
-    const std::string name = activeName.value_or(LinkText::someIPhone);
-    const std::string titleUnderWay = activeName.value_or(Text::connectingRow);
-    switch (phase) {
-        case LinkPhase::bluetoothUnavailable:
-            return {phase, Text::bluetoothUnavailableLine, Text::bluetoothUnavailableTitle};
+const char* actionSymbol(LinkAction action) {
+    return action == LinkAction::searchAgain ? "arrow.clockwise" : "";
+}
+
+namespace {
+
+std::string lineInPanel(const LinkReport& report, bool anyTrusted) {
+    const std::string name = report.activeName.value_or(LinkText::someIPhone);
+    switch (report.phase) {
+        case LinkPhase::bluetoothUnavailable: return Text::bluetoothUnavailableLine;
         case LinkPhase::searching: break;
-        case LinkPhase::connecting: return {phase, LinkText::connecting(name), titleUnderWay};
-        case LinkPhase::securing: return {phase, Text::securingLine, titleUnderWay};
-        case LinkPhase::connected: return {phase, LinkText::connected(name), LinkText::connected(name)};
+        case LinkPhase::connecting: return LinkText::connecting(name);
+        case LinkPhase::securing: return Text::securingLine;
+        case LinkPhase::connected: return LinkText::connected(name);
     }
-    return {LinkPhase::searching, anyTrusted ? Text::waitingLine : Text::noIPhoneLine,
-            anyTrusted ? Text::waitingLine : Text::welcomeTitle};
+    return anyTrusted ? Text::waitingLine : Text::noIPhoneLine;
+}
+
+std::string titleInWindow(const LinkReport& report, bool anyTrusted) {
+    switch (report.phase) {
+        case LinkPhase::bluetoothUnavailable: return Text::bluetoothUnavailableTitle;
+        case LinkPhase::searching: break;
+        case LinkPhase::connecting:
+        case LinkPhase::securing: return report.activeName.value_or(Text::connectingRow);
+        case LinkPhase::connected:
+            return LinkText::connected(report.activeName.value_or(LinkText::someIPhone));
+    }
+    return anyTrusted ? Text::waitingLine : Text::welcomeTitle;
+}
+
+std::string detailInWindow(const LinkReport& report, const std::string& title) {
+    const bool isInTitle = report.phase == LinkPhase::connected || report.statusMessage == title ||
+                           report.statusMessage == LinkText::searching(true);
+    return isInTitle ? std::string() : report.statusMessage;
+}
+
+}  // namespace
+
+ConnectionFace connectionFace(const LinkReport& report, bool anyTrusted) {
+    const std::string title = titleInWindow(report, anyTrusted);
+    return {report.phase, lineInPanel(report, anyTrusted), title, detailInWindow(report, title)};
 }
 
 }  // namespace orbinex

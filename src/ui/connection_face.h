@@ -27,18 +27,27 @@ struct PhaseFace {
 [[nodiscard]] PhaseFace phaseFace(LinkPhase phase);
 
 /// Empty for none.
-[[nodiscard]] std::string actionLabel(LinkAction action);
+[[nodiscard]] const char* actionLabel(LinkAction action);
+/// The name of the symbol beside the label; empty for none.
+[[nodiscard]] const char* actionSymbol(LinkAction action);
 
 /// The link in the sentences of the panel and of the main window.
 struct ConnectionFace {
     LinkPhase phase = LinkPhase::searching;
     std::string panelStatus;
     std::string windowTitle;
+    /// The link's own line where it tells more than the title; else empty.
+    std::string windowDetail;
 
     friend bool operator==(const ConnectionFace&, const ConnectionFace&) = default;
 };
-/// `activeName` is the name of the iPhone that is being connected or is connected, nothing without one.
-[[nodiscard]] ConnectionFace connectionFace(LinkPhase phase, const std::optional<std::string>& activeName,
-                                            bool anyTrusted);
+/// What the link publishes of itself.
+struct LinkReport {
+    LinkPhase phase = LinkPhase::searching;
+    /// Of the iPhone that is being connected or is connected; nothing without one.
+    std::optional<std::string> activeName;
+    std::string statusMessage;
+};
+[[nodiscard]] ConnectionFace connectionFace(const LinkReport& report, bool anyTrusted);
 
 }  // namespace orbinex

@@ -1,7 +1,7 @@
 #include "ui/connection_model.h"
 
 #include "app/system_settings_urls.h"
-#include "ui/phone_row.h"
+#include "ui/shown_text.h"
 
 namespace orbinex {
 
@@ -10,14 +10,15 @@ ConnectionModel::ConnectionModel(CentralBLEManager& central, TrustedDeviceStore&
     const auto refresh = [this](const auto&) { update(); };
     observers_.push_back(central.phase.onDidChange(refresh));
     observers_.push_back(central.activeDevice.onDidChange(refresh));
+    observers_.push_back(central.statusMessage.onDidChange(refresh));
     observers_.push_back(trustStore.devices.onDidChange(refresh));
     update();
 }
 
 void ConnectionModel::update() {
-    std::optional<std::string> name;
-    if (const auto& active = *central_.activeDevice) name = shownName(active->name);
-    auto next = connectionFace(*central_.phase, name, !trustStore_.devices->empty());
+    LinkReport report{*central_.phase, std::nullopt, shownText(*central_.statusMessage)};
+    if (const auto& active = *central_.activeDevice) report.activeName = shownName(active->name);
+    auto next = connectionFace(report, !trustStore_.devices->empty());
     if (next == face_) return;
     face_ = std::move(next);
     Q_EMIT changed();
@@ -41,13 +42,16 @@ int ConnectionModel::panelAction() const {
     return static_cast<int>(phaseFace(face_.phase).panelAction);
 }
 QString ConnectionModel::panelActionLabel() const {
-    return QString::fromStdString(actionLabel(phaseFace(face_.phase).panelAction));
+    return QString::fromUtf8(actionLabel(phaseFace(face_.phase).panelAction));
 }
 int ConnectionModel::windowAction() const {
     return static_cast<int>(phaseFace(face_.phase).windowAction);
 }
 QString ConnectionModel::windowActionLabel() const {
-    return QString::fromStdString(actionLabel(phaseFace(face_.phase).windowAction));
+    return QString::fromUtf8(actionLabel(phaseFace(face_.phase).windowAction));
+}
+QString ConnectionModel::windowActionSymbol() const {
+    return QString::fromUtf8(actionSymbol(phaseFace(face_.phase).windowAction));
 }
 
 void ConnectionModel::perform(int action) {

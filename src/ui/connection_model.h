@@ -24,11 +24,14 @@ class ConnectionModel final : public QObject {
     Q_PROPERTY(bool isBluetoothUnavailable READ isBluetoothUnavailable NOTIFY changed)
     Q_PROPERTY(QString panelStatus READ panelStatus NOTIFY changed)
     Q_PROPERTY(QString windowTitle READ windowTitle NOTIFY changed)
+    /// Empty where there is no more to tell.
+    Q_PROPERTY(QString windowDetail READ windowDetail NOTIFY changed)
     /// A number for perform(); 0 for nothing.
     Q_PROPERTY(int panelAction READ panelAction NOTIFY changed)
     Q_PROPERTY(QString panelActionLabel READ panelActionLabel NOTIFY changed)
     Q_PROPERTY(int windowAction READ windowAction NOTIFY changed)
     Q_PROPERTY(QString windowActionLabel READ windowActionLabel NOTIFY changed)
+    Q_PROPERTY(QString windowActionSymbol READ windowActionSymbol NOTIFY changed)
 
   public:
     /// All must outlive the model.
@@ -45,10 +48,12 @@ class ConnectionModel final : public QObject {
     }
     [[nodiscard]] QString panelStatus() const { return QString::fromStdString(face_.panelStatus); }
     [[nodiscard]] QString windowTitle() const { return QString::fromStdString(face_.windowTitle); }
+    [[nodiscard]] QString windowDetail() const { return QString::fromStdString(face_.windowDetail); }
     [[nodiscard]] int panelAction() const;
     [[nodiscard]] QString panelActionLabel() const;
     [[nodiscard]] int windowAction() const;
     [[nodiscard]] QString windowActionLabel() const;
+    [[nodiscard]] QString windowActionSymbol() const;
 
     /// Does what a button said when it was pressed. A number that is no action is ignored.
     Q_INVOKABLE void perform(int action);

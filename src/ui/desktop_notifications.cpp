@@ -14,8 +14,8 @@ namespace orbinex {
 namespace {
 
 // The Desktop Notifications Specification.
-constexpr const char* service = "org.freedesktop.Notifications";
-constexpr const char* path = "/org/freedesktop/Notifications";
+constexpr const char* notificationService = "org.freedesktop.Notifications";
+constexpr const char* notificationPath = "/org/freedesktop/Notifications";
 /// What a click on the notification itself does.
 constexpr const char* defaultAction = "default";
 /// A service that has not answered by then will not.
@@ -27,14 +27,16 @@ constexpr int serviceDecides = -1;
 DesktopNotifications::DesktopNotifications(std::function<void(const std::string&)> clicked)
     : clicked_(std::move(clicked)), bus_(QDBusConnection::sessionBus()) {
     // From whoever is the service: to follow who that is would wait for the bus.
-    bus_.connect({}, path, service, "ActivationToken", this, SLOT(keepToken(uint, QString)));
-    bus_.connect({}, path, service, "ActionInvoked", this, SLOT(act(uint, QString)));
+    bus_.connect({}, notificationPath, notificationService, "ActivationToken", this,
+                 SLOT(keepToken(uint, QString)));
+    bus_.connect({}, notificationPath, notificationService, "ActionInvoked", this, SLOT(act(uint, QString)));
 }
 
 void DesktopNotifications::tell(const QString& title, const QString& text, std::function<void()> otherwise) {
     if (!bus_.isConnected()) return otherwise();
     const QString program = QGuiApplication::desktopFileName();
-    auto call = QDBusMessage::createMethodCall(service, path, service, "Notify");
+    auto call =
+        QDBusMessage::createMethodCall(notificationService, notificationPath, notificationService, "Notify");
     // The text is taken for markup, and names come from the air.
     call.setArguments({InterfaceText::productName, id_, program, title, text.toHtmlEscaped(),
                        QStringList{defaultAction, InterfaceText::openOrbinex},

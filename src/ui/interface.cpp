@@ -8,14 +8,22 @@
 #include <QScreen>
 #include <utility>
 
-#include "app/terminal_text.h"
 #include "ui/memory_trim.h"
 #include "ui/panel_placement.h"
+#include "ui/shown_text.h"
+#include "ui/x11_window_hints.h"
 
 namespace orbinex {
 
+namespace {
+
+/// About what window managers put on top of a window.
+constexpr int titleBarHeight = 40;
+
+}  // namespace
+
 Interface::Interface(Ports ports)
-    : ports_(std::move(ports)), notifications_([this](const std::string& startupToken) {
+    : ports_(std::move(ports)), urls_(ports_.urls), notifications_([this](const std::string& startupToken) {
           ports_.presence.setStartupToken(startupToken);
           openMainWindow();
       }) {
@@ -50,10 +58,10 @@ Scene& Interface::loadedScene() {
         scene_ = std::make_unique<Scene>(
             InterfaceModel::Sources{
                 ports_.queue,
-                {ports_.app.centralManager, ports_.app.trustStore, ports_.relocation, ports_.pairing},
+                {ports_.app.centralManager, ports_.app.trustStore, ports_.relocation, ports_.pairing, urls_},
                 {ports_.app.centralManager, ports_.app.accessibilityManager, ports_.app.loginItemManager,
                  ports_.app.preferences},
-                ports_.urls},
+                urls_},
             InterfaceModel::Actions{[this] { openMainWindow(); }, ports_.quit},
             [this](QQuickWindow& window) { follow(window); });
     }
@@ -63,7 +71,9 @@ Scene& Interface::loadedScene() {
 void Interface::follow(QQuickWindow& window) {
     QObject::connect(&window, &QWindow::visibleChanged, &context_, [this] { visibilityChanged(); });
     window.installEventFilter(&exposure_);
-    if (window.objectName() == "panel") followPanel(window);
+    if (window.objectName() == "panel") return followPanel(window);
+    const QSize room = window.screen()->availableSize() - QSize(0, titleBarHeight);
+    window.resize(window.size().boundedTo(room));
 }
 
 void Interface::followPanel(QQuickWindow& panel) {
@@ -92,8 +102,8 @@ void Interface::release() {
 void Interface::tell(const std::optional<BLEAlert>& alert) {
     const auto isSeen = [this] { return scene_ && scene_->isMainWindowSeen(); };
     if (!alert || isSeen()) return;
-    const auto title = QString::fromStdString(terminalText(alert->title));
-    const auto text = QString::fromStdString(terminalText(alert->message));
+    const auto title = QString::fromStdString(shownText(alert->title));
+    const auto text = QString::fromStdString(shownText(alert->message));
     notifications_.tell(title, text, [this, isSeen, title, text] {
         if (!isSeen() && !trayIcon_->showMessage(title, text)) openMainWindow();
     });
@@ -134,6 +144,7 @@ void Interface::togglePanel() {
 void Interface::openPanel() {
     QQuickWindow* const panel = loadedScene().panel();
     if (!panel) return;
+    // Where the desktop does not tell where the icon is, the pointer has just clicked it.
     const QRect icon = trayIcon_->geometry();
     panelAnchor_ = icon.isEmpty() ? QRect(QCursor::pos(), QSize(1, 1)) : icon;
     placePanel(*panel);
@@ -145,8 +156,10 @@ void Interface::openPanel() {
 void Interface::placePanel(QQuickWindow& panel) const {
     const QScreen* screen = QGuiApplication::screenAt(panelAnchor_.center());
     if (!screen) screen = QGuiApplication::primaryScreen();
-    panel.setPosition(
-        panelPosition(panelAnchor_, panelAnchor_.center(), screen->availableGeometry(), panel.size()));
+    const QRect available = screen->availableGeometry();
+    panel.setProperty("availableHeight", available.height());
+    roundCorners(panel, panel.property("cornerRadius").toInt());
+    panel.setPosition(panelPosition(panelAnchor_, available, panel.size()));
 }
 
 }  // namespace orbinex

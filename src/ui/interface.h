@@ -13,6 +13,7 @@
 #include "ui/desktop_presence.h"
 #include "ui/exposure_watch.h"
 #include "ui/pairing_question.h"
+#include "ui/reporting_url_opener.h"
 #include "ui/scene.h"
 #include "ui/tray_icon.h"
 
@@ -69,6 +70,7 @@ class Interface final {
     void tell(const std::optional<BLEAlert>& alert);
 
     Ports ports_;
+    ReportingUrlOpener urls_;
     std::unique_ptr<Scene> scene_;
     std::unique_ptr<TrayIcon> trayIcon_;
     DesktopNotifications notifications_;

@@ -1,5 +1,7 @@
 #include "ui/interface_texts.h"
 
+#include "app/system_settings_urls.h"
+
 namespace orbinex::InterfaceText {
 
 const std::vector<Label>& labels() {
@@ -55,7 +57,7 @@ const std::vector<Label>& labels() {
         {"inputControl", "Input Control"},
         {"allowed", "Allowed"},
         {"required", "Required"},
-        {"bluetooth", "Bluetooth"},
+        {"bluetooth", bluetooth},
         {"settings", "Settings…"},
         // general settings
         {"general", "General"},
@@ -101,6 +103,16 @@ std::string pairTitle(const std::string& name) {
 std::string pairMessage(const std::optional<std::string>& digits) {
     return digits ? "Accept only if your iPhone shows the same number: " + *digits
                   : "Accept only if it is your iPhone. The pairing has to be accepted on the iPhone too.";
+}
+
+std::string unopened(std::string_view url) {
+    const auto inSettings = [](const char* subject) {
+        return "Nothing on this computer opens these settings for Orbinex. Look for “" +
+               std::string(subject) + "” in the settings of your desktop.";
+    };
+    if (url == bluetoothSettingsUrl || url == bluetoothPrivacySettingsUrl) return inSettings(bluetooth);
+    if (url == accessibilitySettingsUrl) return inSettings("Accessibility");
+    return "No browser was found. The address is " + std::string(url);
 }
 
 }  // namespace orbinex::InterfaceText

@@ -51,6 +51,7 @@ inline constexpr const char* notNearbyRow = "Not nearby";
 [[nodiscard]] std::string signal(int bars);
 
 // Bluetooth among the permissions.
+inline constexpr const char* bluetooth = "Bluetooth";
 inline constexpr const char* bluetoothUnsupported = "Unsupported";
 inline constexpr const char* bluetoothNotAllowed = "Not allowed";
 inline constexpr const char* bluetoothOff = "Off";
@@ -72,5 +73,8 @@ inline constexpr const char* forget = "Forget";
 /// Without digits there is nothing to compare.
 [[nodiscard]] std::string pairMessage(const std::optional<std::string>& digits);
 inline constexpr const char* pair = "Pair";
+inline constexpr const char* unopenedTitle = "Couldn't Open It";
+/// What to do instead; the address is one of system_settings_urls.h or a web page.
+[[nodiscard]] std::string unopened(std::string_view url);
 
 }  // namespace orbinex::InterfaceText

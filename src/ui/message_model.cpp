@@ -1,8 +1,7 @@
 #include "ui/message_model.h"
 
-#include "app/terminal_text.h"
 #include "ui/interface_texts.h"
-#include "ui/phone_row.h"
+#include "ui/shown_text.h"
 
 namespace orbinex {
 
@@ -13,6 +12,7 @@ MessageModel::MessageModel(const Sources& sources) : sources_(sources) {
     observers_.push_back(sources.central.alert.onDidChange(refresh));
     observers_.push_back(sources.relocation.alert.onDidChange(refresh));
     observers_.push_back(sources.pairing.question.onDidChange(refresh));
+    observers_.push_back(sources.urls.unopened.onDidChange(refresh));
     update();
 }
 
@@ -35,19 +35,19 @@ MessageModel::Message MessageModel::wanted() const {
     if (deviceToForget_) {
         const std::string& name = deviceToForget_->name;
         return {Kind::forget,
-                text(Text::forgetTitle(terminalText(name))),
+                text(Text::forgetTitle(shownText(name))),
                 text(Text::forgetMessage),
                 {text(Text::forget), text(Text::cancel)},
                 {},
                 text(deviceToForget_->id.text())};
     }
+    if (const auto& url = *sources_.urls.unopened) {
+        return {
+            Kind::unopened, text(Text::unopenedTitle), text(Text::unopened(*url)), {text(okButton)}, {}, {}};
+    }
     if (const auto& alert = *sources_.central.alert) {
-        return {Kind::alert,
-                text(terminalText(alert->title)),
-                text(terminalText(alert->message)),
-                {text(okButton)},
-                {},
-                text(alert->id.text())};
+        return {Kind::alert, text(shownText(alert->title)), text(shownText(alert->message)), {text(okButton)},
+                {},          text(alert->id.text())};
     }
     return {};
 }
@@ -82,6 +82,7 @@ void MessageModel::answer(int serial, int button, bool isTicked) {
             update();
             break;
         }
+        case Kind::unopened: sources_.urls.unopened = std::nullopt; break;
         case Kind::alert: sources_.central.alert = std::nullopt; break;
     }
 }

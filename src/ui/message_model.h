@@ -10,11 +10,13 @@
 #include "link/central_ble_manager.h"
 #include "trust/trusted_device_store.h"
 #include "ui/pairing_question.h"
+#include "ui/reporting_url_opener.h"
 
 namespace orbinex {
 
 /// The message box that the main window shows, one at a time: a pairing before the offer to move the
-/// program, that before the confirmation to forget an iPhone, and that before the link's alerts.
+/// program, that before the confirmation to forget an iPhone, that before what could not be opened, and that
+/// before the link's alerts.
 class MessageModel final : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool isShown READ isShown NOTIFY changed)
@@ -37,6 +39,7 @@ class MessageModel final : public QObject {
         TrustedDeviceStore& trustStore;
         AppRelocationManager& relocation;
         PairingQuestion& pairing;
+        ReportingUrlOpener& urls;
     };
     /// All must outlive the model.
     explicit MessageModel(const Sources& sources);
@@ -59,7 +62,7 @@ class MessageModel final : public QObject {
     void changed();
 
   private:
-    enum class Kind { none, pairing, relocation, forget, alert };
+    enum class Kind { none, pairing, relocation, forget, unopened, alert };
     struct Message {
         Kind kind = Kind::none;
         QString title;

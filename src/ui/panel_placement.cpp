@@ -15,11 +15,10 @@ int onScreen(int first, int length, int screenFirst, int screenLength) {
 
 }  // namespace
 
-QPoint panelPosition(const QRect& icon, const QPoint& pointer, const QRect& available, const QSize& panel) {
-    const QRect anchor = icon.isEmpty() ? QRect(pointer, QSize(1, 1)) : icon;
-    const bool isAbove = anchor.center().y() > available.center().y();
-    const int x = anchor.center().x() - panel.width() / 2;
-    const int y = isAbove ? anchor.top() - gap - panel.height() : anchor.bottom() + 1 + gap;
+QPoint panelPosition(const QRect& icon, const QRect& available, const QSize& panel) {
+    const bool isAbove = icon.center().y() > available.center().y();
+    const int x = icon.center().x() - panel.width() / 2;
+    const int y = isAbove ? icon.top() - gap - panel.height() : icon.bottom() + 1 + gap;
     return {onScreen(x, panel.width(), available.x(), available.width()),
             onScreen(y, panel.height(), available.y(), available.height())};
 }

@@ -1,9 +1,8 @@
 #include "ui/phone_row.h"
 
-#include "app/terminal_text.h"
-#include "link/link_texts.h"
 #include "ui/interface_texts.h"
 #include "ui/relative_date.h"
+#include "ui/shown_text.h"
 
 namespace orbinex {
 
@@ -53,10 +52,6 @@ PhoneRow nearbyRow(const NearbyDevice& device) {
             .canConnect = true,
             .canDisconnect = false,
             .bars = signalBars(device.rssi)};
-}
-
-std::string shownName(const std::string& name) {
-    return name.empty() ? LinkText::someIPhone : terminalText(name);
 }
 
 }  // namespace orbinex

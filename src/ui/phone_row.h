@@ -41,7 +41,4 @@ struct TrustedStanding {
     return static_cast<int>(rssi >= -60) + static_cast<int>(rssi >= -75) + static_cast<int>(rssi >= -90);
 }
 
-/// A name from the air on one line that cannot mislead; "iPhone" where it is empty.
-[[nodiscard]] std::string shownName(const std::string& name);
-
 }  // namespace orbinex

@@ -2,6 +2,7 @@
 
 #include <QElapsedTimer>
 #include <QPointer>
+#include <QScreen>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -68,6 +69,16 @@ TEST(Interface, opensTheWindowForAnAlertThatNothingElseCanShow) {
     program.app.centralManager.connectTrustedDevice(studio);
     EXPECT_EQ(window.windowStates(), Qt::WindowMaximized);
     EXPECT_EQ(hand.text("messageTitle"), "Studio Isn't Nearby");
+}
+
+TEST(Interface, isNoLargerThanTheScreen) {
+    FacedProgram program;
+    for (int i = 0; i < 40; ++i) program.trust("iPhone " + std::to_string(i));
+    const QRect available = program.window().screen()->availableGeometry();
+    ASSERT_LT(available.width(), 860) << "the screen is too large to tell";
+    EXPECT_LE(program.window().width(), available.width());
+    Hand(program.panel()).settle();
+    EXPECT_TRUE(available.contains(program.panel().geometry()));
 }
 
 TEST(Interface, opensTheWindowForWhatNeedsAnAnswer) {

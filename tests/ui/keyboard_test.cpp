@@ -142,6 +142,60 @@ TEST(Keyboard, pressesOnceHoweverLongAKeyIsHeld) {
     }
 }
 
+TEST(Keyboard, goesThroughThePanelFromTopToBottom) {
+    FacedProgram program({}, false);
+    program.trust("Ada");
+    program.trust("Zoe");
+    program.addPhone("New");
+    program.advance(2s);
+    QQuickWindow& panel = program.panel();
+    Hand hand(panel);
+    const char* const order[] = {"panelAction",     "trusted0/connect",   "trusted1/connect",
+                                 "nearby0/connect", "inputWarning/allow", "openOrbinex",
+                                 "quitOrbinex",     "panelAction"};
+    for (const char* path : order) {
+        hand.key(Qt::Key_Tab);
+        EXPECT_EQ(panel.activeFocusItem(), findItem(panel.contentItem(), path)) << path;
+        EXPECT_TRUE(isShownFocus(panel)) << path;
+    }
+}
+
+TEST(Keyboard, opensClosesAndQuitsByShortcuts) {
+    FacedProgram program;
+    Hand panel(program.panel());
+    panel.key(Qt::Key_O, Qt::ControlModifier);
+    EXPECT_TRUE(program.face.scene()->isMainWindowVisible());
+    EXPECT_FALSE(program.face.scene()->isPanelVisible());
+    Hand window(program.window());
+    window.key(Qt::Key_Q, Qt::ControlModifier);
+    EXPECT_EQ(program.quits, 1);
+    window.key(Qt::Key_W, Qt::ControlModifier);
+    EXPECT_FALSE(program.face.scene()->isMainWindowVisible());
+    program.advance(Interface::clickTime);
+    Hand again(program.panel());
+    again.key(Qt::Key_W, Qt::ControlModifier);
+    EXPECT_FALSE(program.face.scene()->isPanelVisible());
+}
+
+TEST(Keyboard, worksTheMenuOfAnIPhone) {
+    FacedProgram program;
+    program.trust("Ada");
+    QQuickWindow& window = program.window();
+    Hand hand(window);
+    ASSERT_TRUE(tabTo(hand, window, "myPhone0/more"));
+    hand.key(Qt::Key_Return);
+    ASSERT_TRUE(hand.sees("forget"));
+    hand.key(Qt::Key_Escape);
+    EXPECT_FALSE(hand.sees("forget"));
+    EXPECT_EQ(window.activeFocusItem(), findItem(window.contentItem(), "myPhone0/more"));
+    hand.key(Qt::Key_Space);
+    hand.key(Qt::Key_Down);
+    hand.key(Qt::Key_Return);
+    EXPECT_EQ(hand.text("messageTitle"), "Forget Ada?");
+    hand.key(Qt::Key_Escape);
+    EXPECT_TRUE(isShownFocus(window)) << "where it was before the message";
+}
+
 TEST(Scrolling, leavesWhatThePointerPressesWhereItIs) {
     FacedProgram program;
     program.addPhone("Ada");
@@ -175,10 +229,12 @@ TEST(Scrolling, isDoneByKeysAndTheWheelButNotByDragging) {
     EXPECT_EQ(at(), 360);
     hand.key(Qt::Key_End);
     EXPECT_EQ(at(), end);
+    EXPECT_FALSE(hand.sees("orb/ring")) << "it is out of view";
     hand.key(Qt::Key_PageUp);
     EXPECT_EQ(at(), end - 360);
     hand.key(Qt::Key_Home);
     EXPECT_EQ(at(), 0);
+    EXPECT_TRUE(hand.sees("orb/ring"));
     ASSERT_TRUE(hand.turnWheel("scroller", {0, -240}));
     EXPECT_GT(at(), 0);
     ASSERT_TRUE(hand.turnWheel("scroller", {0, 480}));

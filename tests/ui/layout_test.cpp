@@ -2,6 +2,7 @@
 
 #include <QAccessible>
 #include <QSet>
+#include <algorithm>
 
 #include <gtest/gtest.h>
 
@@ -20,7 +21,7 @@ void crowd(FacedProgram& program) {
     program.trust(longName, 5 * 3'600s);
     program.trust("Kitchen iPhone");
     program.addPhone(longName, -58);
-    program.addPhone("Ада", -80);
+    program.addPhone("يسرى <b>x</b> 📱", -80);
     program.shell.loginItem.present = LoginItemStatus::requiresApproval;
     program.shell.loginItem.failure = "The folder of what starts at login cannot be written.";
     program.app.loginItemManager.setEnabled(true);
@@ -39,12 +40,14 @@ QRectF inWindow(const QQuickItem& item) {
     return item.mapRectToScene({0, 0, item.property("contentWidth").toReal(), item.height()});
 }
 
-/// Complaints about the texts of a window, and how many there are.
-int checkTexts(QQuickWindow& window) {
+/// Complaints about the texts of a window, or of a part of it, and how many there are.
+int checkTexts(QQuickWindow& window, QQuickItem* part = nullptr) {
     std::vector<QQuickItem*> texts;
-    for (QQuickItem* item : visibleItems(window.contentItem()))
+    for (QQuickItem* item : visibleItems(part ? part : window.contentItem()))
         if (isText(*item)) texts.push_back(item);
     for (const QQuickItem* text : texts) {
+        EXPECT_EQ(text->property("textFormat").toInt(), Qt::PlainText) << words(*text);
+        EXPECT_EQ(text->property("effectiveHorizontalAlignment").toInt(), Qt::AlignLeft) << words(*text);
         EXPECT_FALSE(text->property("truncated").toBool()) << words(*text);
         EXPECT_LE(text->property("contentHeight").toReal(), text->height() + 0.5) << words(*text);
         EXPECT_LE(text->property("contentWidth").toReal(), text->width() + 0.5) << words(*text);
@@ -85,6 +88,31 @@ TEST(Layout, clipsAndOverlapsNoTextInAnyPhase) {
     }
 }
 
+TEST(Layout, clipsAndOverlapsNoTextOfAMessageAndKeepsItsButtonsInTheWindow) {
+    std::string text;
+    for (const int sentences : {1, 8, 80}) {
+        while (std::ranges::count(text, '.') < sentences)
+            text += "Something has to be done about all of this. ";
+        FacedProgram program;
+        QQuickWindow& window = program.window();
+        window.resize(440, 400);
+        program.app.centralManager.alert = BLEAlert{UUID::random(), longName + " " + longName, text};
+        Hand hand(window);
+        QQuickItem* const message = findItem(window.contentItem(), "message");
+        ASSERT_TRUE(message);
+        const QRectF inside(20, 20, window.width() - 40, window.height() - 40);
+        EXPECT_TRUE(inside.contains(message->mapRectToScene(message->boundingRect()))) << sentences;
+        const auto sheet = [&](const char* name) { return hand.property("messageSheet", name).toReal(); };
+        const bool isScrolled = sheet("contentHeight") > sheet("height");
+        EXPECT_EQ(isScrolled, sentences == 80);
+        if (!isScrolled) checkTexts(window, message);
+        hand.key(Qt::Key_End);
+        EXPECT_EQ(sheet("contentY"), isScrolled ? sheet("contentHeight") - sheet("height") : 0);
+        ASSERT_TRUE(hand.click("messageButton0"));
+        EXPECT_FALSE(hand.sees("messageTitle"));
+    }
+}
+
 bool isControl(const QQuickItem& item) {
     return item.inherits("QQuickAbstractButton");
 }
@@ -98,25 +126,39 @@ TEST(Layout, namesEverythingThatActsOrInforms) {
     for (QQuickWindow* window : {&program.window(), &program.panel()}) {
         Hand(*window).settle();
         for (QQuickItem* item : visibleItems(window->contentItem())) {
-            const bool isMessage = item->objectName() == "signal" || isText(*item);
-            if (!isControl(*item) && item->objectName() != "signal") continue;
+            if (!isControl(*item)) continue;
             ++controls;
             QAccessibleInterface* const face = QAccessible::queryAccessibleInterface(item);
             ASSERT_TRUE(face) << item->objectName().toStdString();
-            EXPECT_FALSE(face->text(QAccessible::Name).isEmpty())
-                << item->objectName().toStdString() << isMessage;
+            EXPECT_FALSE(face->text(QAccessible::Name).isEmpty()) << item->objectName().toStdString();
         }
     }
     EXPECT_GT(controls, 20);
-    Hand hand(program.window());
-    const auto name = [&](const char* path) {
-        QQuickItem* const item = findItem(program.window().contentItem(), path);
-        QAccessibleInterface* const face = item ? QAccessible::queryAccessibleInterface(item) : nullptr;
-        return face ? face->text(QAccessible::Name).toStdString() : std::string();
+    struct Row {
+        const char* path;
+        QAccessible::Role role;
+        std::string name;
     };
-    EXPECT_EQ(name("nearbyPhone0/signal"), "Signal 3 of 3");
-    EXPECT_EQ(name("nearbyPhone1/signal"), "Signal 1 of 3");
-    EXPECT_EQ(name("myPhone1/more"), "More options for " + longName);
+    // The toolkit of this version takes no other role for its buttons.
+    const Row rows[] = {
+        {"wordmark", QAccessible::Heading, "ORBINEX"},
+        {"connectionTitle", QAccessible::Heading, "Waiting for your iPhone"},
+        {"phaseWord", QAccessible::StaticText, "Searching"},
+        {"nearbyPhone0/signal", QAccessible::Indicator, "Signal 3 of 3"},
+        {"nearbyPhone1/signal", QAccessible::Indicator, "Signal 1 of 3"},
+        {"nearbyPhone1/name", QAccessible::StaticText, "يسرى <b>x</b> 📱"},
+        {"nearbyPhone1/trust", QAccessible::Button, "Trust & Connect"},
+        {"myPhone1/more", QAccessible::Button, "More options for " + longName},
+        {"openAtLogin/switch", QAccessible::CheckBox, "Open at Login"},
+        {"message/messageText", QAccessible::StaticText, "Message"},
+    };
+    for (const auto& row : rows) {
+        QQuickItem* const item = findItem(program.window().contentItem(), row.path);
+        QAccessibleInterface* const face = item ? QAccessible::queryAccessibleInterface(item) : nullptr;
+        ASSERT_TRUE(face) << row.path;
+        EXPECT_EQ(face->role(), row.role) << row.path;
+        EXPECT_EQ(face->text(QAccessible::Name).toStdString(), row.name) << row.path;
+    }
     QAccessible::setActive(false);
 }
 

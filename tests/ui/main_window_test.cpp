@@ -1,5 +1,7 @@
 // The main window, as a person sees and uses it.
 
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 #include "app/product_links.h"
@@ -16,16 +18,19 @@ TEST(MainWindow, showsTheConnectionInEveryPhase) {
         LinkPhase phase;
         const char* word;
         const char* title;
+        const char* detail;
         const char* action;
         bool hasHint;
         bool hasGuide;
     } rows[] = {
         {LinkPhase::bluetoothUnavailable, "Bluetooth Unavailable", "Bluetooth Is Unavailable",
+         "Bluetooth is turned off. Turn it on in Control Center or System Settings.",
          "Open Bluetooth Settings", false, true},
-        {LinkPhase::searching, "Searching", "Let's connect your iPhone", "Search Again", false, true},
-        {LinkPhase::connecting, "Connecting", "Ada", "Cancel", false, true},
-        {LinkPhase::securing, "Securing", "Ada", "Cancel", true, true},
-        {LinkPhase::connected, "Connected", "Connected to Ada", "Disconnect", false, false},
+        {LinkPhase::searching, "Searching", "Let's connect your iPhone",
+         "Searching for iPhones running Orbinex…", "Search Again", false, true},
+        {LinkPhase::connecting, "Connecting", "Ada", "Connecting to Ada…", "Cancel", false, true},
+        {LinkPhase::securing, "Securing", "Ada", "Securing connection with Ada…", "Cancel", true, true},
+        {LinkPhase::connected, "Connected", "Connected to Ada", "", "Disconnect", false, false},
     };
     for (const auto& row : rows) {
         FacedProgram program;
@@ -39,6 +44,7 @@ TEST(MainWindow, showsTheConnectionInEveryPhase) {
         Hand hand(program.window());
         EXPECT_EQ(hand.text("phaseWord"), row.word);
         EXPECT_EQ(hand.text("connectionTitle"), row.title);
+        EXPECT_EQ(hand.text("connectionDetail"), row.detail);
         EXPECT_EQ(hand.text("connectionAction"), row.action);
         EXPECT_EQ(hand.sees("pairingHint"), row.hasHint) << row.word;
         EXPECT_EQ(hand.sees("setUpGuide"), row.hasGuide) << row.word;
@@ -58,6 +64,111 @@ TEST(MainWindow, opensTheSettingsThatBluetoothNeeds) {
         ASSERT_TRUE(hand.click("connectionAction"));
         ASSERT_TRUE(hand.click("bluetoothPermission/action"));
         EXPECT_EQ(program.shell.urls.opened, (std::vector<std::string>(2, std::string(url))));
+    }
+}
+
+TEST(MainWindow, tellsWhatTheLinkIsAboutToDoWithoutMovingTheTitle) {
+    FacedProgram program;
+    auto& phone = program.addPhone("Ada");
+    program.bringTo(LinkPhase::connected, phone);
+    Hand hand(program.window());
+    phone.setInRange(false);
+    program.advance(30s);
+    hand.settle();
+    ASSERT_EQ(program.phase(), LinkPhase::searching);
+    const auto height = hand.property("connectionCard", "height");
+    const auto y = hand.property("connectionTitle", "y");
+    for (const char* line :
+         {"Reconnecting in 4s…", "Waiting for a trusted iPhone…", "\u200FAda paused Orbinex"}) {
+        program.app.centralManager.statusMessage = line;
+        hand.settle();
+        EXPECT_EQ(hand.property("connectionCard", "height"), height) << line;
+        EXPECT_EQ(hand.property("connectionTitle", "y"), y) << line;
+    }
+    EXPECT_EQ(hand.text("connectionDetail"), "Ada paused Orbinex");
+}
+
+TEST(MainWindow, actsAsItsButtonSays) {
+    FacedProgram program;
+    auto& phone = program.addPhone("Ada");
+    Hand hand(program.window());
+    for (const char* button : {"connectionAction", "searchAgain"}) {
+        program.advance(2s);
+        hand.settle();
+        ASSERT_TRUE(hand.sees("nearbyPhone0"));
+        ASSERT_TRUE(hand.click(button));
+        EXPECT_FALSE(hand.sees("nearbyPhone0")) << button << " begins with nothing found";
+    }
+    program.bringTo(LinkPhase::connecting, phone);
+    ASSERT_TRUE(hand.click("connectionAction"));
+    EXPECT_EQ(program.phase(), LinkPhase::searching) << "Cancel";
+    program.bringTo(LinkPhase::connected, phone);
+    ASSERT_TRUE(hand.click("connectionAction"));
+    program.advance(1s);
+    EXPECT_EQ(program.phase(), LinkPhase::searching) << "Disconnect";
+}
+
+TEST(MainWindow, readsEveryStatusOfATrustedIPhoneAsThePanelDoes) {
+    const struct {
+        LinkPhase phase;
+        const char* inWindow;
+        const char* inPanel;
+    } rows[] = {
+        {LinkPhase::searching, "Nearby", "Nearby"},
+        {LinkPhase::connecting, "Connecting…", "Connecting…"},
+        {LinkPhase::securing, "Securing…", "Connecting…"},
+        {LinkPhase::connected, "Connected", "Connected"},
+    };
+    for (const auto& row : rows) {
+        FacedProgram program({{"autoConnect", false}});
+        program.trust("Studio");
+        auto& phone = program.addPhone("Ada");
+        program.bringTo(LinkPhase::connected, phone);
+        program.app.centralManager.disconnect();
+        program.advance(1s);
+        if (row.phase != LinkPhase::searching) program.bringTo(row.phase, phone);
+        Hand window(program.window());
+        EXPECT_EQ(window.text("myPhone0/status"), row.inWindow);
+        EXPECT_EQ(window.text("myPhone1/status"), "Not nearby");
+        Hand panel(program.panel());
+        EXPECT_EQ(panel.text("trusted0/status"), row.inPanel);
+        EXPECT_EQ(panel.text("trusted1/status"), "Not nearby");
+    }
+}
+
+TEST(MainWindow, actsOnTheSecondRow) {
+    FacedProgram program;
+    for (const char* name : {"Ada", "Zoe"}) {
+        program.bringTo(LinkPhase::connected, program.addPhone(name));
+        program.app.centralManager.disconnect();
+        program.advance(2s);
+    }
+    Hand hand(program.window());
+    const QString second = hand.text("myPhone1/name");
+    ASSERT_TRUE(hand.click("myPhone1/connect"));
+    program.advance(3s);
+    hand.settle();
+    ASSERT_EQ(program.phase(), LinkPhase::connected);
+    EXPECT_EQ(hand.text("connectionTitle"), "Connected to " + second);
+    const char* const row = hand.text("myPhone0/name") == second ? "myPhone0" : "myPhone1";
+    EXPECT_EQ(hand.text(QString(row) + "/status"), "Connected");
+    ASSERT_TRUE(hand.click(QString(row) + "/disconnect"));
+    program.advance(1s);
+    EXPECT_EQ(program.phase(), LinkPhase::searching);
+}
+
+TEST(MainWindow, fillsAsManyBarsAsTheSignalHas) {
+    FacedProgram program;
+    const std::pair<int, int> rows[] = {{-50, 3}, {-70, 2}, {-88, 1}, {-99, 0}};
+    for (const auto& [rssi, bars] : rows) program.addPhone("iPhone " + std::to_string(bars), rssi);
+    program.advance(2s);
+    Hand hand(program.window());
+    for (int i = 0; const auto& [rssi, bars] : rows) {
+        const QString signal = QString("nearbyPhone%1/signal").arg(i++);
+        const auto inside = visibleItems(findItem(program.window().contentItem(), signal));
+        const auto filled = std::ranges::count_if(
+            inside, [](const QQuickItem* item) { return item->property("isFilled").toBool(); });
+        EXPECT_EQ(filled, bars) << rssi;
     }
 }
 
@@ -142,7 +253,7 @@ TEST(MainWindow, tellsEveryStateOfBluetooth) {
     const std::pair<BluetoothState, const char*> rows[] = {
         {BluetoothState::poweredOff, "Off"},          {BluetoothState::unauthorized, "Not allowed"},
         {BluetoothState::unsupported, "Unsupported"}, {BluetoothState::resetting, "Starting…"},
-        {BluetoothState::poweredOn, "Allowed"},
+        {BluetoothState::unknown, "Starting…"},       {BluetoothState::poweredOn, "Allowed"},
     };
     FacedProgram program;
     Hand hand(program.window());
@@ -198,6 +309,22 @@ TEST(MainWindow, showsTheLoginItemAsTheSystemSaysItIs) {
     EXPECT_TRUE(isOn(hand, "openAtLogin"));
     ASSERT_TRUE(hand.click("approve"));
     EXPECT_EQ(program.shell.loginItem.settingsOpened, 1);
+}
+
+TEST(MainWindow, tellsWhatItCouldNotOpen) {
+    FacedProgram program;
+    program.shell.urls.isWorking = false;
+    Hand hand(program.window());
+    ASSERT_TRUE(hand.click("support"));
+    EXPECT_EQ(hand.text("messageTitle"), "Couldn't Open It");
+    EXPECT_TRUE(hand.text("messageText").endsWith(QString::fromUtf8(supportUrl.data(), supportUrl.size())));
+    ASSERT_TRUE(hand.click("messageButton0"));
+    EXPECT_FALSE(hand.sees("messageTitle"));
+    program.radio.setState(BluetoothState::poweredOff);
+    program.advance(1s);
+    hand.settle();
+    ASSERT_TRUE(hand.click("connectionAction"));
+    EXPECT_TRUE(hand.text("messageText").contains("“Bluetooth”"));
 }
 
 TEST(MainWindow, opensThePagesOfTheFooter) {

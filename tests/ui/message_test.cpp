@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "app/two_prompts.h"
+#include "link/link_texts.h"
 #include "pictures/faced_program.h"
 
 namespace orbinex::test {
@@ -27,6 +28,38 @@ TEST(Message, showsTheLinksAlertUntilOk) {
     ASSERT_TRUE(hand.click("messageButton0"));
     EXPECT_FALSE(hand.sees("messageTitle"));
     EXPECT_EQ(*program.app.centralManager.alert, std::nullopt);
+}
+
+TEST(Message, tellsEveryAlertOfTheLink) {
+    using Kind = BluetoothError::Kind;
+    const BluetoothError unknown{Kind::other, 0, "The radio is busy."};
+    const BluetoothError removed{Kind::framework, BluetoothError::peerRemovedPairingInformation, {}};
+    const struct {
+        BLEAlert alert;
+        const char* title;
+        const char* part;
+    } rows[] = {
+        {LinkText::notNearbyAlert("<b>x</b>"), "<b>x</b> Isn't Nearby", "within Bluetooth range"},
+        {LinkText::unreachableAlert("Ada"), "Couldn't Reach Ada", "unlocked and nearby, then try again."},
+        {LinkText::connectFailedAlert("Ada", &unknown), "Couldn't Connect to Ada", "The radio is busy."},
+        {LinkText::handshakeTimedOutAlert("Ada"), "Connection Timed Out",
+         "handshake with Ada didn't finish."},
+        {LinkText::characteristicMissingAlert("Ada"), "Update Required",
+         "Ada is running a different version"},
+        {LinkText::versionAlert("Ada", 1), "Update Required", "Ada has an older version"},
+        {LinkText::versionAlert("Ada", 9), "Update Required", "Ada has a newer version"},
+        {LinkText::pairingAlert("\u200FAda", &removed), "Pair Ada Again",
+         "Ada no longer recognizes this Mac."},
+        {LinkText::pairingAlert("Ada", &unknown), "Pairing Not Completed", "pairing with Ada. Click Connect"},
+    };
+    FacedProgram program;
+    Hand hand(program.window());
+    for (const auto& row : rows) {
+        program.app.centralManager.alert = row.alert;
+        hand.settle();
+        EXPECT_EQ(hand.text("messageTitle"), row.title);
+        EXPECT_TRUE(hand.text("messageText").contains(row.part)) << hand.text("messageText").toStdString();
+    }
 }
 
 TEST(Message, isAnsweredByTheKeyboardAlone) {
@@ -110,6 +143,21 @@ TEST(Message, offersToMoveTheProgram) {
     EXPECT_FALSE(hand.sees("messageTitle"));
     EXPECT_EQ(program.defaults.boolean(AppRelocationManager::suppressionKey), true);
     EXPECT_TRUE(program.bundle.calls.empty());
+}
+
+TEST(Message, tellsHowToMoveTheProgramByHandWhereItCannotMoveItself) {
+    FacedProgram program;
+    program.bundle.failing = {"copy"};
+    program.relocation.offerMoveIfNeeded();
+    program.advance(1s);
+    Hand hand(program.window());
+    ASSERT_TRUE(hand.click("messageButton0"));
+    program.advance(1s);
+    hand.settle();
+    EXPECT_EQ(hand.text("messageTitle"), "Action Required: Drag to Applications");
+    EXPECT_FALSE(hand.sees("suppression"));
+    ASSERT_TRUE(hand.click("messageButton0"));
+    EXPECT_FALSE(hand.sees("messageTitle"));
 }
 
 TEST(Message, asksAboutAPairingBeforeAnythingElse) {

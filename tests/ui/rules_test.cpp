@@ -1,5 +1,7 @@
 // What the interface decides from values alone.
 
+#include <QStringList>
+
 #include <gtest/gtest.h>
 
 #include "ui/connection_face.h"
@@ -7,7 +9,8 @@
 #include "ui/panel_placement.h"
 #include "ui/phone_row.h"
 #include "ui/relative_date.h"
-#include "ui/settings_model.h"
+#include "ui/shown_text.h"
+#include "ui/typeface.h"
 #include "ui/x11_window_hints.h"
 
 namespace orbinex {
@@ -55,21 +58,18 @@ TEST(PanelPosition, isAtTheIconAndOnTheScreen) {
     const struct {
         const char* what;
         QRect icon;
-        QPoint pointer;
         QRect available;
-        QSize panel;
         QPoint position;
     } rows[] = {
-        {"below an icon at the top", {600, 0, 24, 24}, {}, {0, 24, 1280, 876}, panel, {441, 32}},
-        {"above an icon at the bottom", {600, 876, 24, 24}, {}, screen, panel, {441, 568}},
-        {"at the right edge", {1257, 876, 22, 24}, {}, screen, panel, {932, 568}},
-        {"at the left edge", {0, 876, 22, 24}, {}, screen, panel, {8, 568}},
-        {"at the pointer without an icon", {}, {700, 10}, screen, panel, {530, 19}},
-        {"on the second screen", {2500, 0, 24, 24}, {}, {1280, 0, 1280, 900}, panel, {2212, 32}},
-        {"larger than the screen", {100, 0, 24, 24}, {}, {0, 0, 320, 240}, panel, {8, 8}},
+        {"below an icon at the top", {600, 0, 24, 24}, {0, 24, 1280, 876}, {441, 32}},
+        {"above an icon at the bottom", {600, 876, 24, 24}, screen, {441, 568}},
+        {"at the right edge", {1257, 876, 22, 24}, screen, {932, 568}},
+        {"at the left edge", {0, 876, 22, 24}, screen, {8, 568}},
+        {"on the second screen", {2500, 0, 24, 24}, {1280, 0, 1280, 900}, {2212, 32}},
+        {"larger than the screen", {100, 0, 24, 24}, {0, 0, 320, 240}, {8, 8}},
     };
     for (const auto& row : rows)
-        EXPECT_EQ(panelPosition(row.icon, row.pointer, row.available, row.panel), row.position) << row.what;
+        EXPECT_EQ(panelPosition(row.icon, row.available, panel), row.position) << row.what;
 }
 
 TEST(InterfaceTexts, fillInWhatIsMissing) {
@@ -81,19 +81,41 @@ TEST(InterfaceTexts, fillInWhatIsMissing) {
     EXPECT_EQ(InterfaceText::trayIcon("Searching"), "Orbinex — Searching");
 }
 
-TEST(ConnectionFace, namesTheIPhoneOrSaysIPhone) {
-    const auto face = [](LinkPhase phase, std::optional<std::string> name, bool anyTrusted = true) {
-        const auto made = connectionFace(phase, name, anyTrusted);
-        return std::pair(made.panelStatus, made.windowTitle);
+TEST(ConnectionFace, saysIPhoneWhereThereIsNoName) {
+    const struct {
+        LinkPhase phase;
+        const char* panelStatus;
+        const char* windowTitle;
+    } rows[] = {
+        {LinkPhase::connecting, "Connecting to iPhone…", "Connecting…"},
+        {LinkPhase::securing, "Securing connection…", "Connecting…"},
+        {LinkPhase::connected, "Connected to iPhone", "Connected to iPhone"},
     };
-    using Texts = std::pair<std::string, std::string>;
-    EXPECT_EQ(face(LinkPhase::connecting, "Ada"), Texts("Connecting to Ada…", "Ada"));
-    EXPECT_EQ(face(LinkPhase::connecting, {}), Texts("Connecting to iPhone…", "Connecting…"));
-    EXPECT_EQ(face(LinkPhase::securing, "Ada"), Texts("Securing connection…", "Ada"));
-    EXPECT_EQ(face(LinkPhase::securing, {}), Texts("Securing connection…", "Connecting…"));
-    EXPECT_EQ(face(LinkPhase::connected, {}), Texts("Connected to iPhone", "Connected to iPhone"));
-    EXPECT_EQ(face(LinkPhase::searching, {}, false),
-              Texts("No iPhone connected", "Let's connect your iPhone"));
+    for (const auto& row : rows) {
+        const ConnectionFace face = connectionFace({row.phase, std::nullopt, {}}, true);
+        EXPECT_EQ(face.panelStatus, row.panelStatus);
+        EXPECT_EQ(face.windowTitle, row.windowTitle);
+    }
+}
+
+TEST(ConnectionFace, addsTheLinksOwnLineWhereItTellsMore) {
+    const struct {
+        LinkPhase phase;
+        const char* line;
+        bool isShown;
+    } rows[] = {
+        {LinkPhase::bluetoothUnavailable, "This Mac doesn't support Bluetooth Low Energy.", true},
+        {LinkPhase::searching, "Waiting for a trusted iPhone…", false},
+        {LinkPhase::searching, "Waiting for your iPhone", false},
+        {LinkPhase::searching, "Reconnecting in 4s…", true},
+        {LinkPhase::searching, "Orbinex isn't active on the iPhone", true},
+        {LinkPhase::connecting, "Connecting to Ada…", true},
+        {LinkPhase::connected, "Connected to Ada", false},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(connectionFace({row.phase, "Ada", row.line}, true).windowDetail,
+                  row.isShown ? row.line : "")
+            << row.line;
 }
 
 TEST(TrustedRow, readsAsItStands) {
@@ -128,19 +150,36 @@ TEST(TrustedRow, readsAsItStands) {
 }
 
 TEST(ShownName, staysOnOneLineAndCannotReverseIt) {
-    EXPECT_EQ(shownName(""), "iPhone");
-    EXPECT_EQ(shownName("Ada\nConnected"), "Ada?Connected");
-    EXPECT_EQ(shownName("a\xE2\x80\xAE"
-                        "b"),
-              "a?b");
+    const std::pair<const char*, const char*> rows[] = {
+        {"", "iPhone"},
+        {"Ada\nConnected", "Ada?Connected"},
+        {"a\u202Eb", "a?b"},
+        {"\u200E\u200F\u061C", "iPhone"},
+        {"\u200Fيسرى\u200E", "يسرى"},
+        {"\u061CAda\u200E's \u200EiPhone", "Ada's iPhone"},
+        {"👩\u200D💻", "👩\u200D💻"},
+    };
+    for (const auto& [name, shown] : rows) EXPECT_EQ(shownName(name), shown);
 }
 
-TEST(BluetoothStateLabel, tellsEveryState) {
-    EXPECT_STREQ(bluetoothStateLabel(BluetoothState::unsupported), "Unsupported");
-    EXPECT_STREQ(bluetoothStateLabel(BluetoothState::unauthorized), "Not allowed");
-    EXPECT_STREQ(bluetoothStateLabel(BluetoothState::poweredOff), "Off");
-    EXPECT_STREQ(bluetoothStateLabel(BluetoothState::unknown), "Starting…");
-    EXPECT_STREQ(bluetoothStateLabel(BluetoothState::resetting), "Starting…");
+TEST(Typeface, isFuturaWhereItIsInstalledElseTheNearest) {
+    const struct {
+        QStringList installed;
+        const char* book;
+        const char* light;
+    } rows[] = {
+        {{"Futura-Book", "Futura-Light", "Futura", "League Spartan"}, "Futura-Book", "Futura-Light"},
+        {{"Futura", "League Spartan", "League Spartan Light"}, "Futura", "Futura"},
+        {{"League Spartan", "URW Gothic"}, "League Spartan", "League Spartan"},
+        {{"URW Gothic"}, "URW Gothic", "URW Gothic"},
+        {{}, "Desktop Sans", "Desktop Sans"},
+    };
+    for (const auto& row : rows) {
+        const Typeface chosen = chooseTypeface(
+            [&](const QString& family) { return row.installed.contains(family); }, "Desktop Sans");
+        EXPECT_EQ(chosen.book, row.book);
+        EXPECT_EQ(chosen.light, row.light);
+    }
 }
 
 }  // namespace

@@ -20,8 +20,8 @@ T.CheckBox {
         height: width
         radius: 1.5 * Theme.unit
         color: check.checked ? Theme.primary : "transparent"
-        border.color: check.checked || check.visualFocus ? Theme.accent : "#4A5361"
-        border.width: check.visualFocus ? 2 : 1
+        border.color: check.checked ? Theme.accent : Theme.idle
+        FocusRing { shown: check.visualFocus }
         Symbol {
             anchors.centerIn: parent
             visible: check.checked
@@ -34,6 +34,7 @@ T.CheckBox {
         id: words
         leftPadding: box.width + 2.5 * Theme.unit
         text: check.text
+        textFormat: Text.PlainText
         font: check.font
         color: Theme.ink
         verticalAlignment: Text.AlignVCenter

@@ -6,6 +6,8 @@ GlassCard {
     padding: 8 * Theme.unit
     spacing: 6 * Theme.unit
 
+    /// Something of it can be seen in the window.
+    property bool isInView: true
     readonly property bool isWide: width >= 560
 
     Line {
@@ -15,7 +17,7 @@ GlassCard {
             objectName: "orb"
             symbol: app.connection.orbSymbol
             tint: Theme.tint(app.connection.tint)
-            pulse: app.connection.isPulsing
+            pulse: app.connection.isPulsing && card.isInView
             size: 72
         }
         Label {
@@ -27,6 +29,17 @@ GlassCard {
             elide: Text.ElideRight
             width: parent.width
             Accessible.role: Accessible.Heading
+        }
+        // Its line is kept while it has nothing to tell, so that the title stands still.
+        SoftLabel {
+            objectName: "connectionDetail"
+            text: app.connection.windowDetail
+            visible: text !== "" || !app.connection.isConnected
+            height: Math.max(implicitHeight, lineHeight)
+            maximumLineCount: 4
+            elide: Text.ElideRight
+            width: parent.width
+            Accessible.ignored: text === ""
         }
         Line {
             visible: app.connection.isSecuring
@@ -64,7 +77,6 @@ GlassCard {
         parent: card.isWide ? beside : below
         phaseAction: app.connection.windowAction
         text: app.connection.windowActionLabel
-        symbol: text === texts.searchAgain ? "arrow.clockwise" : ""
-        tint: app.connection.isConnected ? Theme.danger : Theme.accent
+        symbol: app.connection.windowActionSymbol
     }
 }

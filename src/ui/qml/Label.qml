@@ -7,6 +7,8 @@ Text {
     color: Theme.ink
     textFormat: Text.PlainText
     wrapMode: Text.Wrap
+    // Also of a name that is written from right to left: the lists have one edge.
+    horizontalAlignment: Text.AlignLeft
     font.family: Theme.book
     font.pixelSize: Theme.bodySize
     // Lines are evenly spaced also where a character comes from another face, and each stands in the middle of

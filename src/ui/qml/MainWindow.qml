@@ -24,11 +24,13 @@ Window {
         onActivated: window.close()
     }
     Shortcut {
-        sequences: [StandardKey.Quit]
+        // The standard key is none on some desktops.
+        sequence: "Ctrl+Q"
         onActivated: app.quit()
     }
 
     Scroller {
+        id: scroller
         objectName: "scroller"
         anchors.fill: parent
         contentHeight: page.height + 2 * Theme.margin
@@ -41,7 +43,10 @@ Window {
             spacing: Theme.gap
 
             Header {}
-            ConnectionCard { width: parent.width }
+            ConnectionCard {
+                width: parent.width
+                isInView: page.y + y + height > scroller.contentY
+            }
             SetUpGuide {
                 visible: !app.connection.isConnected
                 width: parent.width

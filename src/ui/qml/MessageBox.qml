@@ -18,12 +18,22 @@ T.Popup {
     width: Math.min(440, parent ? parent.width - 2 * Theme.margin : 440)
     implicitHeight: contentItem.implicitHeight + 2 * padding
     padding: 7 * Theme.unit
+
+    /// What is in it at most.
+    readonly property real tallest: parent ? parent.height - 2 * padding - 2 * Theme.gap - 2 * column.spacing : 0
+
     modal: true
     focus: true
     closePolicy: T.Popup.NoAutoClose
     visible: app.message.isShown
-    onAboutToShow: adopt()
+    onAboutToShow: {
+        focusBefore.keep(parent.Window.activeFocusItem)
+        adopt()
+    }
     onOpened: defaultButton()
+    onClosed: focusBefore.giveBack()
+
+    readonly property FocusMemory focusBefore: FocusMemory {}
 
     function adopt() {
         serial = app.message.serial
@@ -41,21 +51,23 @@ T.Popup {
         }
     }
 
-    T.Overlay.modal: Rectangle { color: "#B0080A0E" }
+    T.Overlay.modal: Rectangle { color: Theme.shade }
 
     background: Rectangle {
         radius: Theme.cornerRadius
-        color: "#181C24"
-        border.color: "#353C48"
+        color: Theme.popup
+        border.color: Theme.popupEdge
     }
 
     contentItem: FocusScope {
+        objectName: "message"
         implicitHeight: column.height
         focus: true
         Accessible.role: Accessible.AlertMessage
         Accessible.name: app.message.title
         Accessible.description: app.message.text
         Keys.onEscapePressed: box.answer(app.message.buttons.length - 1)
+        Keys.onPressed: event => sheet.scrollBy(event)
 
         Column {
             id: column
@@ -63,6 +75,7 @@ T.Popup {
             spacing: 3 * Theme.unit
 
             Label {
+                id: title
                 objectName: "messageTitle"
                 text: app.message.title
                 font.pixelSize: Theme.headingSize
@@ -70,36 +83,52 @@ T.Popup {
                 elide: Text.ElideRight
                 width: parent.width
             }
-            SoftLabel {
-                objectName: "messageText"
-                text: app.message.text
-                width: parent.width
+            // However long it is, the buttons stay in the window. Its bar stands beside the text.
+            Scroller {
+                id: sheet
+                objectName: "messageSheet"
+                focus: false
+                width: column.width + 4 * Theme.unit
+                height: Math.min(words.height, box.tallest - title.height - below.height)
+                contentHeight: words.height
+                SoftLabel {
+                    id: words
+                    objectName: "messageText"
+                    text: app.message.text
+                    width: column.width
+                }
             }
-            CheckRow {
-                id: ticked
-                objectName: "suppression"
-                text: app.message.suppression
-                visible: text !== ""
-            }
-            Flow {
+            Column {
+                id: below
                 width: parent.width
-                topPadding: 3 * Theme.unit
-                layoutDirection: Qt.RightToLeft
-                spacing: 2 * Theme.unit
-                Repeater {
-                    id: buttons
-                    model: app.message.buttons
-                    ActionButton {
-                        required property string modelData
-                        required property int index
-                        readonly property bool isMain: index === 0
-                        readonly property color mainColour: app.message.isDestructive ? Theme.danger : Theme.primary
-                        objectName: "messageButton" + index
-                        text: modelData
-                        fill: isMain ? mainColour : "#262C36"
-                        edge: isMain ? mainColour : "#353C48"
-                        ink: isMain ? (app.message.isDestructive ? "#2A0409" : Theme.primaryInk) : Theme.ink
-                        onClicked: box.answer(index)
+                spacing: column.spacing
+
+                CheckRow {
+                    id: ticked
+                    objectName: "suppression"
+                    text: app.message.suppression
+                    visible: text !== ""
+                }
+                Flow {
+                    width: parent.width
+                    topPadding: 3 * Theme.unit
+                    layoutDirection: Qt.RightToLeft
+                    spacing: 2 * Theme.unit
+                    Repeater {
+                        id: buttons
+                        model: app.message.buttons
+                        ActionButton {
+                            required property string modelData
+                            required property int index
+                            readonly property bool isMain: index === 0
+                            readonly property color mainColour: app.message.isDestructive ? Theme.danger : Theme.primary
+                            objectName: "messageButton" + index
+                            text: modelData
+                            fill: isMain ? mainColour : Theme.neutral
+                            edge: isMain ? mainColour : Theme.popupEdge
+                            ink: isMain ? (app.message.isDestructive ? Theme.dangerInk : Theme.primaryInk) : Theme.ink
+                            onClicked: box.answer(index)
+                        }
                     }
                 }
             }

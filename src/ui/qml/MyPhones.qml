@@ -47,7 +47,7 @@ GlassCard {
                     objectName: "disconnect"
                     text: texts.disconnect
                     compact: true
-                    tint: Theme.danger
+                    tint: quiet
                     visible: phone.canDisconnect
                     Accessible.description: phone.name
                     onClicked: app.phones.disconnectTrusted(phone.phoneId)

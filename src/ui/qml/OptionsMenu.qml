@@ -12,6 +12,10 @@ T.Menu {
     padding: 1.5 * Theme.unit
     margins: 2 * Theme.unit
 
+    onAboutToShow: focusBefore.keep(parent.Window.activeFocusItem)
+    onClosed: focusBefore.giveBack()
+    readonly property FocusMemory focusBefore: FocusMemory {}
+
     contentItem: ListView {
         implicitHeight: contentHeight
         model: menu.contentModel
@@ -20,8 +24,8 @@ T.Menu {
     }
     background: Rectangle {
         radius: 2.5 * Theme.unit
-        color: "#1D222B"
-        border.color: "#353C48"
+        color: Theme.popup
+        border.color: Theme.popupEdge
     }
 
     T.MenuItem {
@@ -35,10 +39,15 @@ T.Menu {
         font.pixelSize: Theme.bodySize
         Accessible.name: text
         Accessible.onPressAction: clicked()
-        onTriggered: app.message.askToForget(menu.phoneId)
+        onTriggered: {
+            // The message is to find the keyboard where it was before the menu.
+            menu.focusBefore.giveBack()
+            app.message.askToForget(menu.phoneId)
+        }
 
         contentItem: Text {
             text: item.text
+            textFormat: Text.PlainText
             font: item.font
             color: Theme.danger
             verticalAlignment: Text.AlignVCenter

@@ -7,11 +7,14 @@ Window {
 
     /// Something of the window may be on a screen; told from outside.
     property bool isExposed: false
+    /// The height of the screen that it is on; told from outside.
+    property int availableHeight: 480
+    readonly property int cornerRadius: Theme.cornerRadius
 
     title: texts.orbinex
     flags: Qt.Tool | Qt.FramelessWindowHint | Qt.WindowStaysOnTopHint
     width: 340
-    height: Math.min(page.height + 2 * page.y, Screen.desktopAvailableHeight - 4 * Theme.unit)
+    height: Math.min(page.height + 2 * page.y, availableHeight - 4 * Theme.unit)
     color: Theme.background
 
     Shortcut {
@@ -23,7 +26,8 @@ Window {
         onActivated: panel.hide()
     }
     Shortcut {
-        sequences: [StandardKey.Quit]
+        // The standard key is none on some desktops.
+        sequence: "Ctrl+Q"
         onActivated: app.quit()
     }
 
@@ -39,11 +43,10 @@ Window {
             spacing: 3 * Theme.unit
 
             Line {
-                gap: 3.5 * Theme.unit
                 leading: Symbol {
                     name: "computermouse.fill"
                     color: Theme.accent
-                    size: 20
+                    size: Theme.symbolSize
                 }
                 Label {
                     text: texts.orbinex
@@ -84,7 +87,6 @@ Window {
                     phaseAction: app.connection.panelAction
                     text: app.connection.panelActionLabel
                     compact: true
-                    tint: app.connection.isConnected ? Theme.danger : Theme.accent
                 }
             }
             Divider {
@@ -132,7 +134,7 @@ Window {
                 leading: Symbol {
                     name: "exclamationmark.shield.fill"
                     color: Theme.warning
-                    size: 22
+                    size: Theme.symbolSize
                 }
                 Label {
                     text: texts.inputNotAllowed
@@ -169,6 +171,7 @@ Window {
 
     Rectangle {
         anchors.fill: parent
+        radius: panel.cornerRadius
         color: "transparent"
         border.color: Theme.edge
     }

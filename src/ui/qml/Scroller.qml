@@ -31,7 +31,8 @@ Flickable {
         else if (top + item.height + room > contentY + height) scrollTo(top + item.height + room - height)
     }
 
-    Keys.onPressed: event => {
+    Keys.onPressed: event => scrollBy(event)
+    function scrollBy(event) {
         const page = 0.9 * height
         if (event.key === Qt.Key_PageUp) scrollTo(contentY - page)
         else if (event.key === Qt.Key_PageDown) scrollTo(contentY + page)
@@ -61,7 +62,7 @@ Flickable {
         visible: size < 1
         contentItem: Rectangle {
             radius: width / 2
-            color: bar.pressed || bar.hovered ? "#5A6472" : "#333B47"
+            color: bar.pressed || bar.hovered ? Theme.idle : Theme.popupEdge
         }
     }
 }

@@ -16,6 +16,15 @@ QtObject {
     readonly property color softInk: "#A6B0BE"
     readonly property color edge: "#262B35"
     readonly property color line: "#1E232C"
+    // The light on a card, what lies over cards, and the shade under it.
+    readonly property color glass: "#1A1E26"
+    readonly property color popup: "#181C24"
+    readonly property color popupEdge: "#353C48"
+    readonly property color shade: "#B0080A0E"
+    // What is off, and what is of no importance.
+    readonly property color neutral: "#2A303A"
+    readonly property color idle: "#4A5361"
+    readonly property color dangerInk: "#2A0409"
 
     function tint(name) {
         return name === "success" ? success : name === "danger" ? danger : accent
@@ -37,5 +46,7 @@ QtObject {
     readonly property int gap: 4 * unit
     readonly property int margin: 7 * unit
     readonly property int cornerRadius: 4 * unit
+    // At the beginning of a row, so that what follows starts on one line.
+    readonly property int symbolSize: 6 * unit
     readonly property int quick: 120
 }
