@@ -6,7 +6,7 @@ Rectangle {
 
     anchors.fill: parent
     anchors.margins: -3
-    radius: height / 2
+    radius: parent.radius + 3
     visible: shown
     color: "transparent"
     border.color: Theme.accent

@@ -14,7 +14,7 @@ Rectangle {
     border.color: edge
     border.width: 1
     gradient: Gradient {
-        GradientStop { position: 0; color: "#1A1E26" }
+        GradientStop { position: 0; color: Theme.glass }
         GradientStop { position: 1; color: Theme.raised }
     }
 

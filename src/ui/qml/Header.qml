@@ -5,7 +5,7 @@ Line {
     leading: Symbol {
         name: "computermouse.fill"
         color: Theme.accent
-        size: 24
+        size: Theme.symbolSize
     }
     Label {
         objectName: "wordmark"

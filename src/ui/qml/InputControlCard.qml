@@ -5,13 +5,12 @@ GlassCard {
     edge: Theme.faded(Theme.warning, 0.35)
 
     Line {
-        gap: 5 * Theme.unit
         isLeadingAtTop: true
         middleSpacing: 2 * Theme.unit
         leading: Symbol {
             name: "hand.raised.fill"
             color: Theme.warning
-            size: 32
+            size: Theme.symbolSize
         }
         SectionLabel {
             objectName: "inputTitle"

@@ -3,7 +3,7 @@ import QtQuick
 ActionButton {
     compact: true
     leftPadding: 2 * Theme.unit
-    ink: hovered ? Theme.ink : Theme.softInk
+    ink: Theme.accent
     font.family: Theme.light
     font.underline: hovered
 }

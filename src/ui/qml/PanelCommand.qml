@@ -15,12 +15,12 @@ PressButton {
 
     contentItem: Row {
         // The text stands where the names of iPhones do.
-        spacing: 3.5 * Theme.unit
+        spacing: 3 * Theme.unit
         Symbol {
             anchors.verticalCenter: parent.verticalCenter
             name: command.symbol
             color: Theme.softInk
-            size: 20
+            size: Theme.symbolSize
         }
         Text {
             anchors.verticalCenter: parent.verticalCenter
@@ -33,7 +33,6 @@ PressButton {
     background: Rectangle {
         radius: 2 * Theme.unit
         color: Theme.faded(Theme.ink, command.down ? 0.12 : command.hovered ? 0.07 : 0)
-        border.color: Theme.accent
-        border.width: command.visualFocus ? 2 : 0
+        FocusRing { shown: command.visualFocus }
     }
 }

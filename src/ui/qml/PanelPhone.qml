@@ -14,7 +14,7 @@ Line {
     leading: Symbol {
         name: row.symbol
         color: Theme.accent
-        size: 22
+        size: Theme.symbolSize
     }
     Label {
         objectName: "name"

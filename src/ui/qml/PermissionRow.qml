@@ -15,7 +15,7 @@ Line {
     leading: Symbol {
         name: row.symbol
         color: Theme.accent
-        size: 24
+        size: Theme.symbolSize
     }
     Label {
         text: row.title

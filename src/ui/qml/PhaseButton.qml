@@ -9,6 +9,7 @@ SecondaryButton {
     property int pressedAction: 0
 
     visible: phaseAction !== 0
+    tint: app.connection.isConnected ? quiet : Theme.accent
     onPressed: pressedAction = phaseAction
     onClicked: {
         const meant = pressedAction !== 0 ? pressedAction : phaseAction

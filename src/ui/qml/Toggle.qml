@@ -34,8 +34,8 @@ T.Switch {
     indicator: Rectangle {
         anchors.fill: parent
         radius: height / 2
-        color: toggle.checked ? Theme.primary : "#2A303A"
-        border.color: toggle.checked ? Theme.primary : "#3A424E"
+        color: toggle.checked ? Theme.primary : Theme.neutral
+        border.color: toggle.checked ? Theme.primary : Theme.popupEdge
         Behavior on color { ColorAnimation { duration: Theme.quick } }
 
         Rectangle {
@@ -44,7 +44,7 @@ T.Switch {
             width: parent.height - 6
             height: width
             radius: height / 2
-            color: toggle.checked ? "#FFFFFF" : "#B9C2CE"
+            color: toggle.checked ? Theme.ink : Theme.softInk
             Behavior on x { NumberAnimation { duration: Theme.quick; easing.type: Easing.OutCubic } }
         }
         FocusRing { shown: toggle.visualFocus }
