@@ -4,6 +4,23 @@
 
 namespace orbinex {
 
+namespace {
+
+/// What stands for Bluetooth that is not powered on.
+const char* bluetoothStateLabel(BluetoothState state) {
+    switch (state) {
+        case BluetoothState::unsupported: return InterfaceText::bluetoothUnsupported;
+        case BluetoothState::unauthorized: return InterfaceText::bluetoothNotAllowed;
+        case BluetoothState::poweredOff: return InterfaceText::bluetoothOff;
+        case BluetoothState::unknown:
+        case BluetoothState::resetting:
+        case BluetoothState::poweredOn: break;
+    }
+    return InterfaceText::bluetoothStarting;
+}
+
+}  // namespace
+
 SettingsModel::SettingsModel(const Managers& managers) : managers_(managers) {
     const auto permissions = [this](const auto&) { Q_EMIT permissionsChanged(); };
     const auto loginItem = [this](const auto&) { Q_EMIT loginItemChanged(); };
@@ -32,18 +49,6 @@ bool SettingsModel::needsApproval() const {
 }
 QString SettingsModel::loginItemError() const {
     return QString::fromStdString(managers_.loginItem.lastError->value_or(std::string()));
-}
-
-const char* bluetoothStateLabel(BluetoothState state) {
-    switch (state) {
-        case BluetoothState::unsupported: return InterfaceText::bluetoothUnsupported;
-        case BluetoothState::unauthorized: return InterfaceText::bluetoothNotAllowed;
-        case BluetoothState::poweredOff: return InterfaceText::bluetoothOff;
-        case BluetoothState::unknown:
-        case BluetoothState::resetting:
-        case BluetoothState::poweredOn: break;
-    }
-    return InterfaceText::bluetoothStarting;
 }
 
 }  // namespace orbinex

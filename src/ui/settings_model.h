@@ -68,7 +68,4 @@ class SettingsModel final : public QObject {
     std::vector<Subscription> observers_;
 };
 
-/// What stands for Bluetooth that is not powered on.
-[[nodiscard]] const char* bluetoothStateLabel(BluetoothState state);
-
 }  // namespace orbinex

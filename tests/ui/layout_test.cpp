@@ -81,8 +81,12 @@ TEST(Layout, clipsAndOverlapsNoTextInAnyPhase) {
     for (const auto phase : {LinkPhase::connecting, LinkPhase::securing, LinkPhase::connected}) {
         FacedProgram program;
         program.bringTo(phase, program.addPhone(longName));
-        Hand(program.window()).settle();
-        checkTexts(program.window());
+        QQuickWindow& window = program.window();
+        for (const int width : {440, 860}) {
+            window.resize(width, 720);
+            Hand(window).settle();
+            checkTexts(window);
+        }
         Hand(program.panel()).settle();
         checkTexts(program.panel());
     }

@@ -25,7 +25,7 @@ GlassCard {
             text: app.connection.windowTitle
             font.pixelSize: Theme.titleSize
             leading: 1.1
-            maximumLineCount: 4
+            maximumLineCount: 6
             elide: Text.ElideRight
             width: parent.width
             Accessible.role: Accessible.Heading

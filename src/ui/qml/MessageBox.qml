@@ -89,8 +89,9 @@ T.Popup {
                 objectName: "messageSheet"
                 focus: false
                 width: column.width + 4 * Theme.unit
-                height: Math.min(words.height, box.tallest - title.height - below.height)
-                contentHeight: words.height
+                height: Math.min(contentHeight, box.tallest - title.height - below.height)
+                // Letters reach below their last line.
+                contentHeight: words.height + Theme.unit
                 SoftLabel {
                     id: words
                     objectName: "messageText"

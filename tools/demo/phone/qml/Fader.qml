@@ -42,7 +42,7 @@ Item {
         y: fader.capHeight / 2 + fader.travel * (1 - fader.zero)
         width: 4 * Theme.unit
         height: 1
-        color: "#4A5361"
+        color: Theme.idle
     }
     Rectangle {
         anchors.horizontalCenter: parent.horizontalCenter
@@ -50,16 +50,16 @@ Item {
         width: 6.5 * Theme.unit
         height: fader.capHeight
         radius: 5
-        border.color: "#0A0C10"
+        border.color: PhoneTheme.well
         gradient: Gradient {
-            GradientStop { position: 0; color: area.pressed ? "#FFFFFF" : PhoneTheme.cap }
-            GradientStop { position: 1; color: "#9AA6B4" }
+            GradientStop { position: 0; color: area.pressed ? Theme.ink : PhoneTheme.cap }
+            GradientStop { position: 1; color: PhoneTheme.capFoot }
         }
         Rectangle {
             anchors.centerIn: parent
             width: parent.width - 6
             height: 2
-            color: "#20262F"
+            color: PhoneTheme.capLine
         }
     }
     MouseArea {

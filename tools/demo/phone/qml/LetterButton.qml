@@ -22,7 +22,7 @@ Rectangle {
     Text {
         anchors.centerIn: parent
         text: button.letter
-        color: button.isOn ? "#14171D" : Theme.softInk
+        color: button.isOn ? Theme.raised : Theme.softInk
         font.family: Theme.book
         font.pixelSize: PhoneTheme.captionSize
     }

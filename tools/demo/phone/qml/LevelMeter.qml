@@ -27,7 +27,7 @@ Rectangle {
                 GradientStop { position: 0; color: Theme.danger }
                 GradientStop { position: 0.14; color: Theme.warning }
                 GradientStop { position: 0.4; color: Theme.success }
-                GradientStop { position: 1; color: "#1F8F74" }
+                GradientStop { position: 1; color: PhoneTheme.levelFoot }
             }
         }
     }

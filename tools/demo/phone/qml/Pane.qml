@@ -6,7 +6,7 @@ Rectangle {
     radius: 4 * Theme.unit
     border.color: Theme.edge
     gradient: Gradient {
-        GradientStop { position: 0; color: "#1A1E26" }
+        GradientStop { position: 0; color: Theme.glass }
         GradientStop { position: 1; color: Theme.raised }
     }
 }

@@ -9,8 +9,8 @@ Item {
         anchors.fill: parent
         anchors.margins: 3 * Theme.unit
         radius: 56
-        color: "#05070A"
-        border.color: "#3A424E"
+        color: PhoneTheme.body
+        border.color: Theme.popupEdge
         border.width: 2
 
         Rectangle {
@@ -18,9 +18,9 @@ Item {
             anchors.margins: 8
             radius: 48
             gradient: Gradient {
-                GradientStop { position: 0; color: "#141820" }
+                GradientStop { position: 0; color: PhoneTheme.screenTop }
                 GradientStop { position: 0.5; color: Theme.background }
-                GradientStop { position: 1; color: "#0D1117" }
+                GradientStop { position: 1; color: PhoneTheme.screenFoot }
             }
         }
     }
@@ -51,6 +51,6 @@ Item {
         width: 132
         height: 5
         radius: 2.5
-        color: "#4A5361"
+        color: Theme.idle
     }
 }

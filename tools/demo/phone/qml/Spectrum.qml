@@ -22,7 +22,7 @@ Pane {
         values: phone.spectrum
         places: 16
         crest: Theme.accent
-        foot: "#0A6C86"
+        foot: PhoneTheme.spectrumFoot
     }
     Bars {
         anchors.right: parent.right
@@ -34,6 +34,6 @@ Pane {
         places: 16
         gap: 1
         crest: Theme.softInk
-        foot: "#3A424E"
+        foot: Theme.popupEdge
     }
 }

@@ -14,7 +14,7 @@ Item {
         width: 92
         height: 26
         radius: 13
-        color: "#000000"
+        color: PhoneTheme.notch
     }
     Caption {
         objectName: "computer"

@@ -14,7 +14,7 @@ Pane {
         anchors.bottom: parent.bottom
         anchors.bottomMargin: 3 * Theme.unit
         text: "drag to point · tap to click · hold to drag · wheel to scroll"
-        color: "#7A8594"
+        color: PhoneTheme.hint
     }
     Rectangle {
         id: finger
