@@ -212,6 +212,12 @@ const char* const texts[] = {
     "This iPhone will no longer connect automatically. To also remove the Bluetooth pairing, open System "
     "Settings → Bluetooth.",
     "Forget",
+    // what cannot be opened
+    "Couldn't Open It",
+    "Nothing on this computer opens these settings for Orbinex. Look for “",
+    "” in the settings of your desktop.",
+    "Accessibility",
+    "No browser was found. The address is ",
 };
 
 TEST(Texts, standInTheSourcesOnce) {

@@ -126,6 +126,13 @@ void messages(Pictures& pictures) {
     Hand hand(program.window());
     hand.key(Qt::Key_Tab);
     pictures.take(program.window(), "main-focus");
+    program.pairing.withdraw();
+    program.relocation.answer(1);
+    std::string text;
+    for (int i = 0; i < 40; ++i) text += "The adapter has answered something that nobody has foreseen. ";
+    program.app.centralManager.alert = BLEAlert{UUID::random(), "Couldn't Connect to يسرى <b>x</b> 📱", text};
+    program.window().resize(480, 480);
+    pictures.take(program.window(), "main-long-message");
 }
 
 /// Each of the window's sections by itself.
