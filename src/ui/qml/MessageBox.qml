@@ -8,6 +8,9 @@ T.Popup {
 
     /// Which message is shown: an answer is to that one.
     property int serial: 0
+    /// How much can be in it.
+    readonly property real tallest: parent ? parent.height - 2 * padding - 2 * Theme.gap - 2 * column.spacing : 0
+    readonly property FocusMemory focusBefore: FocusMemory {}
 
     function answer(button) {
         app.message.answer(serial, button, ticked.checked)
@@ -18,10 +21,6 @@ T.Popup {
     width: Math.min(440, parent ? parent.width - 2 * Theme.margin : 440)
     implicitHeight: contentItem.implicitHeight + 2 * padding
     padding: 7 * Theme.unit
-
-    /// What is in it at most.
-    readonly property real tallest: parent ? parent.height - 2 * padding - 2 * Theme.gap - 2 * column.spacing : 0
-
     modal: true
     focus: true
     closePolicy: T.Popup.NoAutoClose
@@ -32,8 +31,6 @@ T.Popup {
     }
     onOpened: defaultButton()
     onClosed: focusBefore.giveBack()
-
-    readonly property FocusMemory focusBefore: FocusMemory {}
 
     function adopt() {
         serial = app.message.serial

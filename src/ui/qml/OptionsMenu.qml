@@ -6,6 +6,7 @@ T.Menu {
     id: menu
 
     required property string phoneId
+    readonly property FocusMemory focusBefore: FocusMemory {}
 
     implicitWidth: 60 * Theme.unit
     implicitHeight: contentItem.implicitHeight + topPadding + bottomPadding
@@ -14,7 +15,6 @@ T.Menu {
 
     onAboutToShow: focusBefore.keep(parent.Window.activeFocusItem)
     onClosed: focusBefore.giveBack()
-    readonly property FocusMemory focusBefore: FocusMemory {}
 
     contentItem: ListView {
         implicitHeight: contentHeight
