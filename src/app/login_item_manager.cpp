@@ -23,7 +23,7 @@ void LoginItemManager::setEnabled(bool enable) {
 }
 
 void LoginItemManager::openSystemSettingsLoginItems() {
-    service_.openSystemSettings();
+    lastError = service_.openSystemSettings();
 }
 
 }  // namespace orbinex

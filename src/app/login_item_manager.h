@@ -19,7 +19,7 @@ class LoginItemManager {
     LoginItemManager& operator=(const LoginItemManager&) = delete;
 
     Published<LoginItemStatus> status;
-    /// Why the last change failed; nothing when it succeeded.
+    /// Why the last change, or the last look at the desktop's settings, failed; nothing when it succeeded.
     Published<std::optional<std::string>> lastError;
 
     /// A switch shows as on: the person wants it, whether or not the desktop lets it.

@@ -30,7 +30,7 @@ class LoginItemService {
     virtual Failure registerItem() = 0;
     virtual Failure unregisterItem() = 0;
     /// Opens the settings of the desktop for what starts at login, or the nearest thing.
-    virtual void openSystemSettings() = 0;
+    virtual Failure openSystemSettings() = 0;
 };
 
 }  // namespace orbinex

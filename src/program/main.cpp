@@ -29,6 +29,7 @@
 #include "app/linux/system_bus.h"
 #include "app/linux/unix_signals.h"
 #include "app/product_version.h"
+#include "app/reporting_url_opener.h"
 #include "app/terminal_console.h"
 #include "app/terminal_prompt.h"
 #include "app/terminal_report.h"
@@ -213,21 +214,21 @@ class Program {
 
     LinuxEditorBridge editors_;
     LinuxShell shell_;
+    ReportingUrlOpener urls_{shell_.urls()};
     X11InputPermission inputPermission_;
     DesktopPresence presence_;
-    AppCoordinator coordinator_{
-        preferences_,
-        {queue_,
-         defaults_,
-         central_,
-         wake_,
-         poster_,
-         layouts_,
-         editors_.daemon(),
-         computerName,
-         {inputPermission_, shell_.loginItem(), shell_.urls(), presence_.activation()}}};
+    AppCoordinator coordinator_{preferences_,
+                                {queue_,
+                                 defaults_,
+                                 central_,
+                                 wake_,
+                                 poster_,
+                                 layouts_,
+                                 editors_.daemon(),
+                                 computerName,
+                                 {inputPermission_, shell_.loginItem(), urls_, presence_.activation()}}};
     AppRelocationManager relocation_{queue_, defaults_, shell_.bundle()};
-    Interface face_{{queue_, coordinator_, relocation_, pairing_, shell_.urls(), presence_, quit}};
+    Interface face_{{queue_, coordinator_, relocation_, pairing_, urls_, presence_, quit}};
     AppDelegate delegate_{preferences_, relocation_, [this] { face_.openMainWindow(); }};
 };
 

@@ -18,11 +18,14 @@ class SimulatedLoginItem final : public LoginItemService {
         if (!failure) present = LoginItemStatus::notRegistered;
         return failure;
     }
-    void openSystemSettings() override { ++settingsOpened; }
+    Failure openSystemSettings() override {
+        ++settingsOpened;
+        return failure;
+    }
 
     /// May be changed behind the program's back.
     LoginItemStatus present = LoginItemStatus::notRegistered;
-    /// What every change runs into.
+    /// What everything that is asked runs into.
     Failure failure;
     int registrations = 0;
     int unregistrations = 0;

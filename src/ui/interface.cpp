@@ -23,7 +23,7 @@ constexpr int titleBarHeight = 40;
 }  // namespace
 
 Interface::Interface(Ports ports)
-    : ports_(std::move(ports)), urls_(ports_.urls), notifications_([this](const std::string& startupToken) {
+    : ports_(std::move(ports)), notifications_([this](const std::string& startupToken) {
           ports_.presence.setStartupToken(startupToken);
           openMainWindow();
       }) {
@@ -56,12 +56,12 @@ void Interface::prepareApplication() {
 Scene& Interface::loadedScene() {
     if (!scene_) {
         scene_ = std::make_unique<Scene>(
-            InterfaceModel::Sources{
-                ports_.queue,
-                {ports_.app.centralManager, ports_.app.trustStore, ports_.relocation, ports_.pairing, urls_},
-                {ports_.app.centralManager, ports_.app.accessibilityManager, ports_.app.loginItemManager,
-                 ports_.app.preferences},
-                urls_},
+            InterfaceModel::Sources{ports_.queue,
+                                    {ports_.app.centralManager, ports_.app.trustStore, ports_.relocation,
+                                     ports_.pairing, ports_.urls},
+                                    {ports_.app.centralManager, ports_.app.accessibilityManager,
+                                     ports_.app.loginItemManager, ports_.app.preferences},
+                                    ports_.urls},
             InterfaceModel::Actions{[this] { openMainWindow(); }, ports_.quit},
             [this](QQuickWindow& window) { follow(window); });
     }

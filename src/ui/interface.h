@@ -8,12 +8,12 @@
 
 #include "app/app_coordinator.h"
 #include "app/app_relocation_manager.h"
+#include "app/reporting_url_opener.h"
 #include "base/main_queue.h"
 #include "ui/desktop_notifications.h"
 #include "ui/desktop_presence.h"
 #include "ui/exposure_watch.h"
 #include "ui/pairing_question.h"
-#include "ui/reporting_url_opener.h"
 #include "ui/scene.h"
 #include "ui/tray_icon.h"
 
@@ -35,7 +35,8 @@ class Interface final {
         AppCoordinator& app;
         AppRelocationManager& relocation;
         PairingQuestion& pairing;
-        UrlOpener& urls;
+        /// What it could not open is told.
+        ReportingUrlOpener& urls;
         DesktopPresence& presence;
         std::function<void()> quit;
     };
@@ -70,7 +71,6 @@ class Interface final {
     void tell(const std::optional<BLEAlert>& alert);
 
     Ports ports_;
-    ReportingUrlOpener urls_;
     std::unique_ptr<Scene> scene_;
     std::unique_ptr<TrayIcon> trayIcon_;
     DesktopNotifications notifications_;

@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "app/app_relocation_manager.h"
+#include "app/reporting_url_opener.h"
 #include "link/central_ble_manager.h"
 #include "trust/trusted_device_store.h"
 #include "ui/pairing_question.h"
-#include "ui/reporting_url_opener.h"
 
 namespace orbinex {
 

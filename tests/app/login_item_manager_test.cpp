@@ -54,6 +54,9 @@ TEST(LoginItemManager, tellsWhyAChangeFailedUntilOneSucceeds) {
     manager.setEnabled(true);
     EXPECT_EQ(*manager.lastError, std::nullopt);
     EXPECT_EQ(*manager.status, Status::enabled);
+    item.failure = "No settings";
+    manager.openSystemSettingsLoginItems();
+    EXPECT_EQ(*manager.lastError, "No settings");
 }
 
 TEST(LoginItemManager, seesWhatWasApprovedElsewhereWhenThePersonComesBack) {

@@ -325,6 +325,12 @@ TEST(MainWindow, tellsWhatItCouldNotOpen) {
     hand.settle();
     ASSERT_TRUE(hand.click("connectionAction"));
     EXPECT_TRUE(hand.text("messageText").contains("“Bluetooth”"));
+    ASSERT_TRUE(hand.click("messageButton0"));
+    program.shell.permission.setGranted(false);
+    program.shell.activation.didBecomeActive.emit();
+    hand.settle();
+    ASSERT_TRUE(hand.click("openSettings"));
+    EXPECT_TRUE(hand.text("messageText").contains("“Accessibility”"));
 }
 
 TEST(MainWindow, opensThePagesOfTheFooter) {

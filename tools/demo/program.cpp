@@ -35,8 +35,8 @@ Program::Program(EventLoop& loop, Report& report, const LinuxEditorBridge::Place
                                   layouts_,
                                   editors_.daemon(),
                                   [] { return std::string(computerName); },
-                                  {inputPermission_, shell_.loginItem, shell_.urls, presence_.activation()}}),
-      face_({queue_, coordinator_, relocation_, pairing_, shell_.urls, presence_,
+                                  {inputPermission_, shell_.loginItem, urls_, presence_.activation()}}),
+      face_({queue_, coordinator_, relocation_, pairing_, urls_, presence_,
              [&loop] { loop.end({"Orbinex was quit"}); }}),
       delegate_(preferences_, relocation_, [this] { face_.openMainWindow(); }) {
     bundle_.location = std::nullopt;

@@ -61,6 +61,7 @@ class Program {
     FdWatch displayEvents_;
     LinuxEditorBridge editors_;
     SimulatedShell shell_;
+    ReportingUrlOpener urls_{shell_.urls};
     SimulatedBundle bundle_;
     X11InputPermission inputPermission_{*connection_};
     PairingQuestion pairing_;

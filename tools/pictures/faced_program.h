@@ -49,16 +49,24 @@ struct FacedProgram {
     ScriptedLayoutSource layouts;
     IdleEditorBridge bridge;
     SimulatedShell shell;
+    ReportingUrlOpener urls{shell.urls};
     SimulatedBundle bundle;
     AppPreferences preferences;
-    AppCoordinator app{
-        preferences,
-        {queue, defaults, radio, wake, poster, layouts, bridge, [] { return std::string(); }, shell.ports()}};
+    AppCoordinator app{preferences,
+                       {queue,
+                        defaults,
+                        radio,
+                        wake,
+                        poster,
+                        layouts,
+                        bridge,
+                        [] { return std::string(); },
+                        {shell.permission, shell.loginItem, urls, shell.activation}}};
     AppRelocationManager relocation{queue, defaults, bundle};
     PairingQuestion pairing;
     DesktopPresence presence;
     int quits = 0;
-    Interface face{{queue, app, relocation, pairing, shell.urls, presence, [this] { ++quits; }}};
+    Interface face{{queue, app, relocation, pairing, urls, presence, [this] { ++quits; }}};
 };
 
 }  // namespace orbinex

@@ -13,7 +13,7 @@ LinuxShell::LinuxShell(MainQueue& queue, SingleInstance& instance, std::function
       folders_(UserFolders::fromEnvironment()),
       opener_(currentDesktops(), folders_.config, startDetached),
       loginItem_({folders_.config, place_.program, currentDesktops()},
-                 [this] { opener_.openPanel(SettingsPanel::loginItems); }),
+                 [this] { return opener_.openPanel(SettingsPanel::loginItems); }),
       bundle_(place_, folders_,
               {queue,
                opener_,

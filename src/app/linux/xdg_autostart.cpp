@@ -24,7 +24,7 @@ std::optional<std::string> readEntry(const std::string& path) {
 
 }  // namespace
 
-XdgAutostart::XdgAutostart(Places places, std::function<void()> openSettings)
+XdgAutostart::XdgAutostart(Places places, std::function<bool()> openSettings)
     : places_(std::move(places)),
       file_(places_.config + "/autostart/orbinex.desktop"),
       openSettings_(std::move(openSettings)) {}
@@ -42,6 +42,11 @@ LoginItemService::Failure XdgAutostart::registerItem() {
 LoginItemService::Failure XdgAutostart::unregisterItem() {
     if (::unlink(file_.c_str()) == 0 || errno == ENOENT) return std::nullopt;
     return std::generic_category().message(errno);
+}
+
+LoginItemService::Failure XdgAutostart::openSystemSettings() {
+    if (openSettings_()) return std::nullopt;
+    return "Nothing on this computer shows what starts at login. The entry that is turned off is " + file_;
 }
 
 void XdgAutostart::follow(const std::string& program) {

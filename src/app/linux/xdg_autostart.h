@@ -20,12 +20,13 @@ class XdgAutostart final : public LoginItemService {
         std::vector<std::string> desktops;
     };
 
-    XdgAutostart(Places places, std::function<void()> openSettings);
+    /// `openSettings` is false when nothing opens them.
+    XdgAutostart(Places places, std::function<bool()> openSettings);
 
     [[nodiscard]] LoginItemStatus status() const override;
     Failure registerItem() override;
     Failure unregisterItem() override;
-    void openSystemSettings() override { openSettings_(); }
+    Failure openSystemSettings() override;
 
     /// From now on an entry that is on starts this copy of the program, unless somebody has changed what it
     /// starts.
@@ -36,7 +37,7 @@ class XdgAutostart final : public LoginItemService {
   private:
     Places places_;
     std::string file_;
-    std::function<void()> openSettings_;
+    std::function<bool()> openSettings_;
 };
 
 }  // namespace orbinex

@@ -30,8 +30,11 @@ struct Login {
 
     test::TemporaryFolder folder;
     int settingsOpened = 0;
-    XdgAutostart item{{folder / "config", folder / "bin/orb inex", {"XFCE", "GNOME"}},
-                      [this] { ++settingsOpened; }};
+    bool hasSettings = true;
+    XdgAutostart item{{folder / "config", folder / "bin/orb inex", {"XFCE", "GNOME"}}, [this] {
+                          ++settingsOpened;
+                          return hasSettings;
+                      }};
 };
 
 TEST(XdgAutostart, writesAndRemovesTheEntryThatTheDesktopReads) {
@@ -88,8 +91,10 @@ TEST(XdgAutostart, leavesWhatThePersonTurnedOffTurnedOff) {
     EXPECT_EQ(login.item.unregisterItem(), std::nullopt);
     EXPECT_EQ(login.item.registerItem(), std::nullopt);
     EXPECT_EQ(login.item.status(), Status::enabled) << "switched off and on, it is their wish again";
-    login.item.openSystemSettings();
+    EXPECT_EQ(login.item.openSystemSettings(), std::nullopt);
     EXPECT_EQ(login.settingsOpened, 1);
+    login.hasSettings = false;
+    EXPECT_TRUE(login.item.openSystemSettings().value_or("").ends_with(login.folder / entry));
 }
 
 TEST(XdgAutostart, followsTheProgramUnlessSomebodyHasChangedTheEntry) {
