@@ -23,7 +23,7 @@ namespace orbinex {
 /// audio, so what is shown is what the faders, mutes and solos make of the clips' own samples.
 ///
 /// makeMeterPacket is meant to be called every 66 ms: smoothing goes by calls. Once every file is open and
-/// every track has been seen, it allocates nothing.
+/// every track has been seen, it allocates nothing, as long as no more than `mostSources` are heard.
 class FairlightAudioMeterEngine {
   public:
     using Uptime = std::chrono::nanoseconds;

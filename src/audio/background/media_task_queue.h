@@ -16,6 +16,7 @@ class MediaTaskQueue {
     /// As MediaWorkers::post says.
     void post(std::shared_ptr<MediaTask> task, Urgency urgency);
     [[nodiscard]] bool empty() const { return tasks_.empty(); }
+    [[nodiscard]] std::size_t size() const { return tasks_.size(); }
     /// The task whose turn it is, which runs from now on; null when there is none.
     std::shared_ptr<MediaTask> take();
     /// A step of a task taken has ended.

@@ -1,5 +1,6 @@
 #include "audio/background/background_source_opener.h"
 
+#include <algorithm>
 #include <functional>
 #include <string>
 #include <vector>
@@ -7,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "audio/background/manual_media_workers.h"
+#include "audio/fairlight_audio_meter_engine.h"
 #include "sim/simulated_clip_media.h"
 
 namespace orbinex {
@@ -19,7 +21,9 @@ using namespace std::chrono_literals;
 class CountedMedia final : public ClipMedia {
   public:
     explicit CountedMedia(std::shared_ptr<test::ManualMediaWorkers> workers)
-        : workers_(std::move(workers)), sound_(std::make_shared<SimulatedSound>()) {}
+        : workers_(std::move(workers)),
+          sound_(std::make_shared<SimulatedSound>(
+              SimulatedSound{.sample = [](std::int64_t, int) { return 0.5F; }})) {}
 
     bool isBroken = false;
     int openings = 0;
@@ -108,16 +112,58 @@ TEST(BackgroundSourceOpener, keepsWhatIsAskedForAgainAndAgain) {
     EXPECT_EQ(world.media->openFiles, 32);
 }
 
-TEST(BackgroundSourceOpener, letsGoOfWhatNobodyAsksFor) {
+TEST(BackgroundSourceOpener, letsGoOfWhatNobodyUses) {
     World world;
     world.askForAll(20);
     auto held = world.reader("3");
-    world.workers->time += 11s;
-    world.kind("0");
-    world.workers->runAll();
+    const auto tidy = [&] {
+        world.workers->time += 11s;
+        world.kind("0");
+        world.workers->runAll();
+    };
+    tidy();
     EXPECT_EQ(world.media->openFiles, 2) << "the one asked for, and the one that is held";
+    EXPECT_EQ(world.reader("3"), held);
     held.reset();
+    tidy();
     EXPECT_EQ(world.media->openFiles, 1);
+}
+
+TEST(BackgroundSourceOpener, losesNoMeterWhenTheEngineForgetsItsSources) {
+    World world;
+    FairlightAudioMeterEngine engine(world.opener);
+    std::vector<DAWTrackState> tracks;
+    ResolveTrackClips clips;
+    const auto addTrack = [&](std::int64_t index) {
+        tracks.emplace_back().index = index;
+        clips[index] = {
+            .trackIndex = index, .hasActiveClip = true, .filePath = "/" + std::to_string(index) + ".wav"};
+    };
+    const auto unavailable = [&] {
+        const auto& packet = engine.makeMeterPacket({.tracks = tracks,
+                                                     .clipMetaByIndex = clips,
+                                                     .playheadFrame = 0,
+                                                     .lastPlayheadUpdateUptime = world.workers->time,
+                                                     .isPlaying = false,
+                                                     .playbackSpeed = "0X",
+                                                     .framesPerSecond = 24,
+                                                     .selectedTrackIndex = 1,
+                                                     .editorRunning = true,
+                                                     .masterVolumeDB = 0,
+                                                     .masterMuted = false},
+                                                    world.workers->time);
+        world.workers->runAll();
+        world.workers->time += 66ms;
+        return std::ranges::count(packet.channelMeters, TrackMeterStatus::unavailable,
+                                  &TrackChannelMeter::status);
+    };
+    for (std::int64_t index = 1; index <= 24; ++index) addTrack(index);
+    EXPECT_EQ(unavailable(), 24);
+    for (int tick = 0; tick < 11'000 / 66; ++tick) ASSERT_EQ(unavailable(), 0) << tick;
+    addTrack(25);
+    EXPECT_EQ(unavailable(), 1) << "only the new one is still to come";
+    for (int tick = 0; tick < 60'000 / 66; ++tick) ASSERT_EQ(unavailable(), 0) << tick;
+    EXPECT_EQ(world.media->openings, 25);
 }
 
 TEST(BackgroundSourceOpener, holdsNoMoreThanItMayAndStaysWithThose) {
@@ -134,21 +180,6 @@ TEST(BackgroundSourceOpener, holdsNoMoreThanItMayAndStaysWithThose) {
     world.workers->runAll();
     EXPECT_EQ(world.kind("150"), "audio") << "others are not in use any more";
     EXPECT_EQ(world.media->openFiles, BackgroundSourceOpener::mostSources);
-}
-
-TEST(BackgroundSourceOpener, noticesAReplacedFileWithoutAGap) {
-    World world;
-    world.kind("a");
-    world.workers->runAll();
-    const auto before = world.reader("a");
-    for (int second = 0; second <= 60; ++second) {
-        EXPECT_EQ(world.reader("a"), before);
-        world.workers->time += 1s;
-    }
-    EXPECT_EQ(world.reader("a"), before) << "until the new one is there";
-    world.workers->runAll();
-    EXPECT_NE(world.reader("a"), before);
-    EXPECT_EQ(world.media->openings, 2);
 }
 
 TEST(BackgroundSourceOpener, triesAgainAfterAFailure) {
@@ -179,6 +210,27 @@ TEST(BackgroundSourceOpener, doesNotBeginAnewWhatHangs) {
     }
     world.workers->runAll();
     EXPECT_EQ(world.media->openings, 1);
+}
+
+TEST(BackgroundSourceOpener, leavesThreadsForOtherFilesWhereFilesHang) {
+    World world;
+    // Nothing that is begun ever ends.
+    const auto ask = [&world](const std::string& folder, int files) {
+        for (int i = 0; i < files; ++i) world.kind(folder + std::to_string(i) + ".wav");
+        return world.workers->tasks();
+    };
+    EXPECT_EQ(ask("/net/disc/card/", 20), 4U);
+    EXPECT_EQ(ask("/net/disc/card/", 20), 4U);
+    EXPECT_EQ(ask("/net/disc/other/", 20), 8U);
+    EXPECT_EQ(ask("/net/disc/third/", 20), 8U);
+    for (int card = 0; card < 100; ++card) ask("/net/disc/" + std::to_string(card) + "/a/b/c/", 5);
+    EXPECT_EQ(world.workers->tasks(), BackgroundSourceOpener::mostOpeningsInTree);
+    EXPECT_EQ(ask("/home/clips/", 20), BackgroundSourceOpener::mostOpeningsInTree + 4);
+    world.workers->runAll();
+    EXPECT_EQ(world.kind("/home/clips/0.wav"), "audio");
+    EXPECT_EQ(world.kind("/net/disc/card/4.wav"), "none");
+    world.workers->runAll();
+    EXPECT_EQ(world.kind("/net/disc/card/4.wav"), "audio");
 }
 
 TEST(BackgroundSourceOpener, opensNothingMoreOnceItIsGone) {

@@ -39,6 +39,8 @@ class ManualMediaWorkers final : public MediaWorkers {
         return isDone();
     }
     std::chrono::nanoseconds now() const override { return time; }
+    /// How many are posted.
+    std::size_t tasks() const { return queue_.size(); }
 
     /// False when nothing is posted.
     bool runStep() {
