@@ -60,7 +60,7 @@ bool ChunkStore::run() {
         if (!isClosed_) next = plan_.beginFetch();
     }
     if (!next) return false;
-    const bool isComplete = fetch(*next);
+    const bool isComplete = fetchIfPossible(*next);
     bool hasDemand = false;
     bool hasWork = false;
     {
@@ -72,6 +72,15 @@ bool ChunkStore::run() {
     }
     if (hasDemand) workers_->post(shared_from_this(), Urgency::urgent);
     return hasWork;
+}
+
+bool ChunkStore::fetchIfPossible(const ChunkPlan::Fetch& next) {
+    try {
+        return fetch(next);
+    } catch (...) {
+        // Out of memory, perhaps over a file that lies; it is tried again later.
+        return false;
+    }
 }
 
 }  // namespace orbinex

@@ -51,8 +51,9 @@ class ChunkStore : public MediaTask {
 
   private:
     /// Fetches the chunk into the slot, which nobody reads meanwhile. True when all of it came. On a
-    /// background thread, one call at a time.
+    /// background thread, one call at a time. When it throws, what it has put there by then is read.
     virtual bool fetch(const ChunkPlan::Fetch& fetch) = 0;
+    bool fetchIfPossible(const ChunkPlan::Fetch& next);
 
     std::shared_ptr<MediaWorkers> workers_;
     mutable std::mutex mutex_;

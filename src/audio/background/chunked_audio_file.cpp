@@ -91,6 +91,7 @@ std::size_t ChunkedAudioFile::Decoding::read(std::int64_t start, std::size_t cou
 bool ChunkedAudioFile::Decoding::fetch(const ChunkPlan::Fetch& fetch) {
     const auto begin = fetch.chunk * static_cast<std::int64_t>(chunkFrames());
     const auto samples = samplesOf(piece_, type_);
+    pieceLengths_[fetch.slot].fill(0);
     bool isComplete = true;
     for (std::size_t piece = 0; piece < piecesPerChunk_; ++piece) {
         const auto start = begin + static_cast<std::int64_t>(piece * pieceFrames);

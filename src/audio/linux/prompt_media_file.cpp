@@ -76,6 +76,7 @@ bool PromptMediaFile::Blocks::fetch(const ChunkPlan::Fetch& fetch) {
 }
 
 bool PromptMediaFile::Blocks::copyBlock(Slot slot, std::uint64_t offset) {
+    lengths_[slot] = 0;
     auto& copy = copies_[slot];
     if (!copy) copy = std::make_unique_for_overwrite<std::uint8_t[]>(blockBytes);
     lengths_[slot] = file_->read(offset, {copy.get(), blockBytes});

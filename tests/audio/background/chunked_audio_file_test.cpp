@@ -166,6 +166,17 @@ TEST(ChunkedAudioFile, endsReadsAtDamageAndFindsOutWhenItIsMended) {
     EXPECT_EQ(file->read(9'500, 1'024, world.buffer), 1'024);
 }
 
+TEST(ChunkedAudioFile, triesAgainAfterADecoderThrew) {
+    ChunkWorld world;
+    const auto file = world.open();
+    world.workers->stepsPerWait = 100;
+    world.audio->onUse = [] { throw std::bad_alloc(); };
+    EXPECT_EQ(file->read(12'000, 1'024, world.buffer), 0);
+    world.audio->onUse = [] {};
+    world.workers->time += 501ms;
+    EXPECT_EQ(file->read(12'000, 1'024, world.buffer), 1'024);
+}
+
 TEST(ChunkedAudioFile, readsNothingOutsideTheFile) {
     ChunkWorld world;
     const auto file = world.open();
