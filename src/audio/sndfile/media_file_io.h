@@ -19,6 +19,7 @@ class MediaFileIO {
 
     /// True once bytes that the file should have could not be had.
     [[nodiscard]] bool hasFailed() const { return hasFailed_; }
+    void forgetFailure() { hasFailed_ = false; }
 
   private:
     static sf_count_t length(void* io);

@@ -23,17 +23,6 @@ struct CloseSndfile {
     void operator()(SNDFILE* file) const { sf_close(file); }
 };
 
-/// True for what libsndfile reads as exactly as we promise.
-bool isExact(int format) {
-    const int type = format & SF_FORMAT_TYPEMASK;
-    const int subtype = format & SF_FORMAT_SUBMASK;
-    // After a seek in Ogg it is not where it says. In MPEG audio it guesses the length where the file does
-    // not tell it, the last bits depend on where reading began, and it takes for it whatever has a frame
-    // header somewhere.
-    return type != SF_FORMAT_OGG && type != SF_FORMAT_MPEG &&
-           (subtype < SF_FORMAT_MPEG_LAYER_I || subtype > SF_FORMAT_MPEG_LAYER_III);
-}
-
 bool isUncompressed(int format) {
     switch (format & SF_FORMAT_SUBMASK) {
         case SF_FORMAT_PCM_S8:
@@ -46,6 +35,21 @@ bool isUncompressed(int format) {
         case SF_FORMAT_ULAW:
         case SF_FORMAT_ALAW: return (format & SF_FORMAT_TYPEMASK) != SF_FORMAT_FLAC;
         default: return false;
+    }
+}
+
+/// True for what libsndfile reads as exactly as we promise. After a seek in Ogg it is not where it says. In
+/// MPEG audio it guesses the length where the file does not tell it, the last bits depend on where reading
+/// began, and it takes for it whatever has a frame header somewhere.
+bool isExact(int format) {
+    switch (format & SF_FORMAT_SUBMASK) {
+        case SF_FORMAT_ALAC_16:
+        case SF_FORMAT_ALAC_20:
+        case SF_FORMAT_ALAC_24:
+        case SF_FORMAT_ALAC_32:
+        case SF_FORMAT_IMA_ADPCM:
+        case SF_FORMAT_MS_ADPCM: return true;
+        default: return isUncompressed(format) || (format & SF_FORMAT_TYPEMASK) == SF_FORMAT_FLAC;
     }
 }
 
@@ -79,8 +83,14 @@ class SndfileAudioFile::Opened {
         return isInteger ? SampleType::int16 : SampleType::float32;
     }
     [[nodiscard]] bool isUncompressed() const { return orbinex::isUncompressed(info_.format); }
-    /// True when the bytes failed us since the file was opened; what libsndfile then believes is not known.
+    /// True when the bytes failed us since the file was opened; what libsndfile then believes of compressed
+    /// media is not known.
     [[nodiscard]] bool hasFailed() const { return io_.hasFailed(); }
+    /// After a failure in uncompressed media, of which nothing is remembered but the place.
+    void forgetFailure() {
+        io_.forgetFailure();
+        position_ = -1;
+    }
     [[nodiscard]] bool hasSameSamplesAs(const Opened& other) const {
         return info_.samplerate == other.info_.samplerate && channelCount() == other.channelCount() &&
                sampleType() == other.sampleType();
@@ -95,8 +105,9 @@ class SndfileAudioFile::Opened {
     explicit Opened(MediaFile& media) : io_(media) {}
 
     [[nodiscard]] bool isUsable() const {
-        return info_.channels >= 1 && info_.samplerate >= 1 && info_.frames >= 1 && info_.seekable != 0 &&
-               isExact(info_.format);
+        // Of FLAC that does not tell its length it says the most that it can count.
+        return info_.channels >= 1 && info_.samplerate >= 1 && info_.frames >= 1 &&
+               info_.frames < SF_COUNT_MAX && info_.seekable != 0 && isExact(info_.format);
     }
 
     void makeScratch() {
@@ -191,7 +202,7 @@ bool SndfileAudioFile::prefersReadingOn() const {
 
 std::size_t SndfileAudioFile::read(std::int64_t start, std::size_t count, PCMBuffer& buffer) {
     if (start < 0 || start >= totalSampleFrames_) return 0;
-    if (opened_->hasFailed() && !openAnew()) return 0;
+    if (opened_->hasFailed() && !recover()) return 0;
     const auto left = static_cast<std::uint64_t>(totalSampleFrames_ - start);
     const auto wanted =
         static_cast<std::size_t>(std::min<std::uint64_t>({left, count, PCMBuffer::frameCapacity}));
@@ -200,7 +211,12 @@ std::size_t SndfileAudioFile::read(std::int64_t start, std::size_t count, PCMBuf
     return opened_->hasFailed() ? 0 : read;
 }
 
-bool SndfileAudioFile::openAnew() {
+bool SndfileAudioFile::recover() {
+    // These are read on the main thread, where a file is not opened, and bytes may just have been late.
+    if (opened_->isUncompressed()) {
+        opened_->forgetFailure();
+        return true;
+    }
     auto opened = Opened::open(*media_);
     if (!opened || opened->hasFailed() || !opened->hasSameSamplesAs(*opened_)) return false;
     opened_ = std::move(opened);

@@ -28,7 +28,8 @@ class SndfileAudioFile final : public AudioFile {
 
     SndfileAudioFile(std::unique_ptr<MediaFile> media, std::unique_ptr<Opened> opened);
 
-    bool openAnew();
+    /// Makes it readable again after bytes could not be had.
+    bool recover();
 
     std::unique_ptr<MediaFile> media_;
     std::unique_ptr<Opened> opened_;

@@ -1,6 +1,7 @@
 #include "audio/sndfile/sndfile_audio_file.h"
 
 #include <string>
+#include <string_view>
 
 #include <gtest/gtest.h>
 #include <sndfile.h>
@@ -23,6 +24,8 @@ struct Kind {
     bool isCompressed = false;
     /// Of the samples that it is made from.
     int bits = 16;
+    /// It has other samples than it was made from.
+    bool isLossy = false;
 };
 
 const Kind kinds[] = {
@@ -35,10 +38,17 @@ const Kind kinds[] = {
     {"RF64 16", SF_FORMAT_RF64 | SF_FORMAT_PCM_16, SampleType::int16},
     {"W64 24", SF_FORMAT_W64 | SF_FORMAT_PCM_24, SampleType::float32, false, 24},
     {"AIFF 16", SF_FORMAT_AIFF | SF_FORMAT_PCM_16, SampleType::int16},
+    {"AIFF 8", SF_FORMAT_AIFF | SF_FORMAT_PCM_S8, SampleType::float32, false, 8},
+    {"AIFF 16 sowt", SF_FORMAT_AIFF | SF_FORMAT_PCM_16 | SF_ENDIAN_LITTLE, SampleType::int16},
+    {"AIFF float", SF_FORMAT_AIFF | SF_FORMAT_FLOAT, SampleType::float32, false, 24},
     {"AIFF 24", SF_FORMAT_AIFF | SF_FORMAT_PCM_24, SampleType::float32, false, 24},
     {"CAF 16", SF_FORMAT_CAF | SF_FORMAT_PCM_16, SampleType::int16},
     {"CAF float", SF_FORMAT_CAF | SF_FORMAT_FLOAT, SampleType::float32, false, 24},
     {"CAF ALAC 16", SF_FORMAT_CAF | SF_FORMAT_ALAC_16, SampleType::int16, true},
+    {"WAV A-law", SF_FORMAT_WAV | SF_FORMAT_ALAW, SampleType::float32, false, 16, true},
+    {"WAV u-law", SF_FORMAT_WAV | SF_FORMAT_ULAW, SampleType::float32, false, 16, true},
+    {"WAV IMA ADPCM", SF_FORMAT_WAV | SF_FORMAT_IMA_ADPCM, SampleType::float32, true, 16, true},
+    {"WAV MS ADPCM", SF_FORMAT_WAV | SF_FORMAT_MS_ADPCM, SampleType::float32, true, 16, true},
     {"FLAC 16", SF_FORMAT_FLAC | SF_FORMAT_PCM_16, SampleType::int16, true},
     {"FLAC 24", SF_FORMAT_FLAC | SF_FORMAT_PCM_24, SampleType::float32, true, 24},
 };
@@ -72,6 +82,9 @@ FileBytes write(const StraightDecode& samples, int sampleRate, int format) {
     SNDFILE* file = sf_open(path.c_str(), SFM_WRITE, &info);
     EXPECT_TRUE(file) << sf_strerror(nullptr);
     if (!file) return {};
+    SF_BROADCAST_INFO origin{};
+    std::ranges::copy(std::string_view("A take"), origin.description);
+    sf_command(file, SFC_SET_BROADCAST_INFO, &origin, sizeof origin);
     // Floats would be scaled to the largest integer rather than to full scale.
     const int subtype = format & SF_FORMAT_SUBMASK;
     if (subtype == SF_FORMAT_FLOAT || subtype == SF_FORMAT_DOUBLE) {
@@ -87,6 +100,23 @@ FileBytes write(const StraightDecode& samples, int sampleRate, int format) {
     return bytesOf(path);
 }
 
+/// What the file is when it is read from its beginning to its end.
+StraightDecode decode(const FileBytes& bytes) {
+    const TemporaryFolder folder;
+    const auto path = folder.path("medium");
+    std::ofstream(path, std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    SF_INFO info{};
+    SNDFILE* file = sf_open(path.c_str(), SFM_READ, &info);
+    EXPECT_TRUE(file);
+    if (!file) return {};
+    StraightDecode decoded{info.channels, {}};
+    decoded.samples.resize(static_cast<std::size_t>(info.frames * info.channels));
+    EXPECT_EQ(sf_readf_float(file, decoded.samples.data(), info.frames), info.frames);
+    sf_close(file);
+    return decoded;
+}
+
 std::unique_ptr<SndfileAudioFile> open(FileBytes bytes) {
     auto media = inMemory(std::move(bytes));
     return SndfileAudioFile::open(media);
@@ -100,8 +130,10 @@ TEST(SndfileAudioFile, givesTheSamplesThatWereWrittenWhereverItReads) {
     for (const auto& kind : kinds) {
         for (const auto& shape : shapes) {
             SCOPED_TRACE(kind.name + (" x " + std::to_string(shape.channelCount)));
-            const auto straight = signal(shape.sampleRate, shape.channelCount, kind.bits);
+            if (kind.isLossy && shape.channelCount > 2) continue;
+            auto straight = signal(shape.sampleRate, shape.channelCount, kind.bits);
             auto bytes = write(straight, shape.sampleRate, kind.format);
+            if (kind.isLossy) straight = decode(bytes);
             const auto file = open(std::move(bytes));
             ASSERT_TRUE(file);
             EXPECT_EQ(file->sampleRate(), shape.sampleRate);
@@ -109,7 +141,7 @@ TEST(SndfileAudioFile, givesTheSamplesThatWereWrittenWhereverItReads) {
             EXPECT_EQ(file->totalSampleFrames(), straight.length());
             EXPECT_EQ(file->sampleType(), kind.sampleType);
             EXPECT_EQ(file->prefersReadingOn(), kind.isCompressed);
-            EXPECT_EQ(differenceOfReads(*file, straight, kind.isCompressed ? 30 * rounds : 200 * rounds), 0);
+            EXPECT_EQ(differenceOfReads(*file, straight, (kind.isCompressed ? 250 : 500) * rounds), 0);
         }
     }
 }
@@ -168,9 +200,9 @@ TEST(SndfileAudioFile, allocatesNothingWhileItReadsUncompressedMedia) {
 TEST(SndfileAudioFile, readsTheSameAgainAfterTheDiscWasGone) {
     for (const auto& kind : kinds) {
         SCOPED_TRACE(kind.name);
-        const auto straight = signal(48000, 2, kind.bits);
         const auto disc = std::make_shared<Disc>();
-        disc->bytes = write(straight, 48000, kind.format);
+        disc->bytes = write(signal(48000, 2, kind.bits), 48000, kind.format);
+        const auto straight = decode(disc->bytes);
         std::unique_ptr<MediaFile> media = std::make_unique<MemoryMediaFile>(disc);
         const auto file = SndfileAudioFile::open(media);
         ASSERT_TRUE(file);
