@@ -160,7 +160,7 @@ bool AudioStreamDecoder::losesItsPlace() const {
 bool AudioStreamDecoder::readPacket() {
     for (int i = 0; i < maxForeignPackets; ++i) {
         av_packet_unref(packet_.get());
-        if (av_read_frame(format_.get(), packet_.get()) < 0 || io_.hasFailed()) return false;
+        if (av_read_frame(format_.get(), packet_.get()) < 0 || hasStopped()) return false;
         if (packet_->stream_index == stream_->index) return true;
     }
     return false;
@@ -173,7 +173,7 @@ bool AudioStreamDecoder::feedDecoder() {
         avcodec_send_packet(codec_.get(), packet_.get());
         return true;
     }
-    if (io_.hasFailed()) return false;
+    if (hasStopped()) return false;
     isDraining_ = true;
     return avcodec_send_packet(codec_.get(), nullptr) >= 0;
 }
@@ -205,6 +205,10 @@ bool AudioStreamDecoder::isDiscarded() const {
     return (frame_->flags & AV_FRAME_FLAG_DISCARD) != 0;
 }
 
+int AudioStreamDecoder::knownPackets() const {
+    return avformat_index_get_entries_count(stream_);
+}
+
 bool AudioStreamDecoder::seek(std::int64_t timestamp) {
     isDraining_ = false;
     avcodec_flush_buffers(codec_.get());
@@ -213,6 +217,15 @@ bool AudioStreamDecoder::seek(std::int64_t timestamp) {
 
 bool AudioStreamDecoder::seekToFirst(std::int64_t timestamp) {
     return openDecoder() && seek(timestamp);
+}
+
+bool AudioStreamDecoder::isPlainPCM() const {
+    return av_get_exact_bits_per_sample(stream_->codecpar->codec_id) > 0;
+}
+
+std::optional<std::int64_t> AudioStreamDecoder::nextPacketLength() {
+    if (!readPacket()) return std::nullopt;
+    return av_get_audio_frame_duration2(stream_->codecpar, packet_->size);
 }
 
 std::optional<std::int64_t> AudioStreamDecoder::lastTimestamp() {

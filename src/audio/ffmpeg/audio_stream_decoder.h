@@ -29,6 +29,9 @@ class AudioStreamDecoder {
     void grant(std::uint64_t bytes) { io_.grant(bytes); }
     /// True once bytes that the file should have could not be had. The decoder is then of no more use.
     [[nodiscard]] bool hasFailed() const { return io_.hasFailed(); }
+    /// True when nothing more is read: after a failure for good, else until more bytes are granted; before it
+    /// goes on it must seek then. What it has learnt of where packets are, it keeps.
+    [[nodiscard]] bool hasStopped() const { return io_.hasFailed() || io_.isExhausted(); }
 
     [[nodiscard]] const AVStream& stream() const { return *stream_; }
     /// The container's word for how long the stream is, in its time base; nothing when it has none.
@@ -52,12 +55,20 @@ class AudioStreamDecoder {
     /// True when the container tells to hear nothing of that frame.
     [[nodiscard]] bool isDiscarded() const;
 
+    /// Packets whose places are known. Of many only some are remembered.
+    [[nodiscard]] int knownPackets() const;
+
     /// Goes on at a packet whose timestamp is not after this one where the container can tell. False when it
     /// cannot.
     bool seek(std::int64_t timestamp);
     /// The same, for the stream's first packet: with a decoder that has decoded nothing, as some remember
     /// what they decoded before a seek.
     bool seekToFirst(std::int64_t timestamp);
+    /// True for samples as they are, of which a packet's bytes tell how many there are.
+    [[nodiscard]] bool isPlainPCM() const;
+    /// Reads on, decoding none. Returns the next packet's length in frames, which is known of plain PCM;
+    /// nothing at the end.
+    std::optional<std::int64_t> nextPacketLength();
     /// Reads packets to the end, decoding none. Returns the last timestamp of one; nothing when there was
     /// none.
     std::optional<std::int64_t> lastTimestamp();

@@ -6,10 +6,12 @@ extern "C" {
 
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 #include "audio/ffmpeg/audio_stream_decoder.h"
 #include "audio/ffmpeg/decoder_pre_roll.h"
 #include "audio/ffmpeg/frame_samples.h"
+#include "audio/ffmpeg/step_pattern.h"
 
 namespace orbinex {
 
@@ -21,12 +23,18 @@ constexpr std::int64_t skippedFrames = 4096;
 constexpr std::int64_t firstRetreat = 8192;
 /// How long before the end of Ogg reading begins at the latest, in seconds. A page lasts one, seldom more.
 constexpr std::int64_t pagesAtEnd = 3;
-/// What one read may cost: the bytes of hours of sound where a container has no index, and the frames of
-/// minutes.
-constexpr std::uint64_t bytesOfRead = 256U << 20U;
+/// What one read may cost, and finding out the length: the bytes of hours of sound where a container has no
+/// index, and the frames of minutes.
+constexpr std::uint64_t bytesOfRead = 128U << 20U;
 constexpr int framesOfRead = 20'000;
+/// After a read that came upon no packet at all, the next may cost half as many bytes, down to this.
+constexpr std::uint64_t fewestBytesOfRead = 8U << 20U;
+/// Packets at the beginning among which the pattern of their lengths is looked for.
+constexpr std::size_t packetsOfPattern = 32;
 
 }  // namespace
+
+FFmpegAudioFile::FFmpegAudioFile() : framesAllowed_(framesOfRead), bytesAllowed_(bytesOfRead) {}
 
 std::unique_ptr<FFmpegAudioFile> FFmpegAudioFile::open(std::unique_ptr<MediaFile>& media) {
     if (!media) return nullptr;
@@ -39,9 +47,10 @@ std::unique_ptr<FFmpegAudioFile> FFmpegAudioFile::open(std::unique_ptr<MediaFile
 FFmpegAudioFile::~FFmpegAudioFile() = default;
 
 bool FFmpegAudioFile::begin(MediaFile& media) {
-    framesAllowed_ = framesOfRead;
     decoder_ = AudioStreamDecoder::open(media);
     if (!decoder_ || !takeFirstFrame()) return false;
+    learnSteps();
+    decoder_->grant(bytesAllowed_);
     measureLength();
     if (decoder_->hasFailed()) {
         // The length is what the container tells. All else is as it was.
@@ -67,19 +76,39 @@ bool FFmpegAudioFile::takeFirstFrame() {
         before += length;
     }
     const AVFrame& frame = decoder_->frame();
-    const auto& stream = decoder_->stream();
-    const AVCodecID codec = stream.codecpar->codec_id;
+    const AVCodecID codec = decoder_->stream().codecpar->codec_id;
     sampleRate_ = frame.sample_rate;
     channelCount_ = std::min(frame.ch_layout.nb_channels, 2);
     sampleType_ = sampleTypeOf(frame);
     preRoll_ = decoderPreRoll(codec, frame.nb_samples);
     firstTimestamp_ = frame.pts;
+    skipped_ = skipped;
     firstPosition_ = -(skipped + before);
-    placement_.emplace(TimeBase{stream.time_base.num, stream.time_base.den}, sampleRate_, frame.pts, skipped,
-                       decoderStep(codec, sampleRate_, frame.nb_samples));
+    const auto step = decoderStep(codec, sampleRate_, frame.nb_samples);
+    placement_ = placementBy({&step, 1});
     placed_ = Placed{-skipped, -skipped, length - skipped};
     exactFrom_ = firstPosition_;
     return true;
+}
+
+FramePlacement FFmpegAudioFile::placementBy(std::span<const std::int64_t> steps) const {
+    const auto timeBase = decoder_->stream().time_base;
+    return {{timeBase.num, timeBase.den}, sampleRate_, firstTimestamp_, skipped_, steps};
+}
+
+/// Packets of plain samples may last anything, such as one picture each. Their lengths repeat themselves, or
+/// all of them are seen, or what coarse timestamps round away is lost.
+void FFmpegAudioFile::learnSteps() {
+    const auto timeBase = decoder_->stream().time_base;
+    if (!decoder_->isPlainPCM() || !FramePlacement::needsSteps({timeBase.num, timeBase.den}, sampleRate_))
+        return;
+    std::vector<std::int64_t> steps{placed_->end - placed_->start};
+    placed_.reset();
+    std::optional<std::int64_t> length;
+    while (steps.size() < packetsOfPattern && (length = decoder_->nextPacketLength()) && *length > 0)
+        steps.push_back(*length);
+    const bool areAll = !length && !decoder_->hasStopped();
+    placement_ = placementBy(areAll ? steps : stepPattern(steps));
 }
 
 void FFmpegAudioFile::measureLength() {
@@ -94,7 +123,7 @@ void FFmpegAudioFile::measureLength() {
     do end = placed_->end;
     while (placeNext());
     placed_.reset();
-    if (!decoder_->hasFailed()) totalSampleFrames_ = end;
+    if (!decoder_->hasStopped() && framesAllowed_ > 0) totalSampleFrames_ = end;
 }
 
 std::optional<std::int64_t> FFmpegAudioFile::lastPacketPosition(std::int64_t toldEnd) {
@@ -102,8 +131,9 @@ std::optional<std::int64_t> FFmpegAudioFile::lastPacketPosition(std::int64_t tol
     // What the container tells may be a guess.
     for (std::int64_t back = 0; back <= toldEnd; back = back * 8 + sampleRate_) {
         if (!decoder_->seek(placement_->timestampBefore(toldEnd - back))) continue;
-        if (const auto last = decoder_->lastTimestamp()) return placement_->position(*last, std::nullopt);
-        if (decoder_->hasFailed()) break;
+        const auto last = decoder_->lastTimestamp();
+        if (decoder_->hasStopped()) break;
+        if (last) return placement_->position(*last, std::nullopt);
     }
     return std::nullopt;
 }
@@ -117,8 +147,7 @@ bool FFmpegAudioFile::openAnew() {
         anew->sampleType_ != sampleType_)
         return false;
     decoder_ = std::move(anew->decoder_);
-    decoder_->grant(bytesOfRead);
-    placement_ = anew->placement_;
+    decoder_->grant(bytesAllowed_);
     placed_ = anew->placed_;
     exactFrom_ = anew->exactFrom_;
     return true;
@@ -128,7 +157,8 @@ std::size_t FFmpegAudioFile::read(std::int64_t start, std::size_t count, PCMBuff
     if (start < 0 || start >= totalSampleFrames_) return 0;
     framesAllowed_ = framesOfRead;
     if (decoder_->hasFailed() && !openAnew()) return 0;
-    decoder_->grant(bytesOfRead);
+    decoder_->grant(bytesAllowed_);
+    const int knownBefore = decoder_->knownPackets();
     const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(
         {static_cast<std::uint64_t>(totalSampleFrames_ - start), count, PCMBuffer::frameCapacity}));
     std::size_t done = 0;
@@ -144,6 +174,8 @@ std::size_t FFmpegAudioFile::read(std::int64_t start, std::size_t count, PCMBuff
                         channelCount_, buffer, done);
         done += piece;
     }
+    const bool gotOn = done > 0 || decoder_->knownPackets() != knownBefore;
+    bytesAllowed_ = gotOn ? bytesOfRead : std::max(bytesAllowed_ / 2, fewestBytesOfRead);
     return done;
 }
 
@@ -152,7 +184,7 @@ bool FFmpegAudioFile::reach(std::int64_t position) {
     if (placed_ && position >= placed_->silenceFrom && position >= exactFrom_ &&
         position - placed_->end <= preRoll_ + skippedFrames && decodeOnTo(position))
         return true;
-    return !decoder_->hasFailed() && seekTo(position) && decodeOnTo(position);
+    return !decoder_->hasStopped() && seekTo(position) && decodeOnTo(position);
 }
 
 bool FFmpegAudioFile::decodeOnTo(std::int64_t position) {
@@ -172,7 +204,7 @@ bool FFmpegAudioFile::seekTo(std::int64_t position) {
             exactFrom_ = placed_->start + preRoll_;
             return true;
         }
-        if (decoder_->hasFailed() || framesAllowed_ <= 0) return false;
+        if (decoder_->hasStopped() || framesAllowed_ <= 0) return false;
         wantedStart -= retreat;
     }
     return startOver();
@@ -187,7 +219,7 @@ bool FFmpegAudioFile::startOver() {
     placed_.reset();
     const bool isAtFirst = decoder_->seekToFirst(placement_->timestampBefore(firstPosition_)) && placeNext();
     if (!isAtFirst || placed_->start > firstPosition_) {
-        if (decoder_->hasFailed() || !media_ || !openAnew()) return false;
+        if (decoder_->hasStopped() || !media_ || !openAnew()) return false;
     }
     exactFrom_ = firstPosition_;
     return true;

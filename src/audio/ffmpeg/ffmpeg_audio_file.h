@@ -23,8 +23,8 @@ class FFmpegAudioFile final : public AudioFile {
     ~FFmpegAudioFile() override;
 
     [[nodiscard]] double sampleRate() const override { return sampleRate_; }
-    /// Up to the end of what the last packet decodes to. Where the file cannot be read to there, what the
-    /// container tells.
+    /// Up to the end of what the last packet decodes to. Where the file cannot be read to there, or not at
+    /// the cost that one opening may have, what the container tells.
     [[nodiscard]] std::int64_t totalSampleFrames() const override { return totalSampleFrames_; }
     [[nodiscard]] int channelCount() const override { return channelCount_; }
     [[nodiscard]] SampleType sampleType() const override { return sampleType_; }
@@ -40,9 +40,11 @@ class FFmpegAudioFile final : public AudioFile {
         std::int64_t end = 0;
     };
 
-    FFmpegAudioFile() = default;
+    FFmpegAudioFile();
     bool begin(MediaFile& media);
     bool takeFirstFrame();
+    [[nodiscard]] FramePlacement placementBy(std::span<const std::int64_t> steps) const;
+    void learnSteps();
     void measureLength();
     [[nodiscard]] std::optional<std::int64_t> lastPacketPosition(std::int64_t toldEnd);
     bool openAnew();
@@ -62,7 +64,9 @@ class FFmpegAudioFile final : public AudioFile {
     int channelCount_ = 0;
     SampleType sampleType_ = SampleType::float32;
     std::int64_t preRoll_ = 0;
+    /// Of the first frame that is heard, and how many of its samples are not.
     std::int64_t firstTimestamp_ = 0;
+    std::int64_t skipped_ = 0;
     /// Where the first frame that is decoded begins: at 0 or below.
     std::int64_t firstPosition_ = 0;
     std::int64_t totalSampleFrames_ = 0;
@@ -73,8 +77,9 @@ class FFmpegAudioFile final : public AudioFile {
     std::optional<Placed> placed_;
     /// From here on this run of frames has the samples of a straight decode.
     std::int64_t exactFrom_ = 0;
-    /// Frames that may yet be decoded for this read.
-    int framesAllowed_ = 0;
+    /// Frames that may yet be decoded for this read, and bytes that may be read for it.
+    int framesAllowed_;
+    std::uint64_t bytesAllowed_;
 };
 
 }  // namespace orbinex

@@ -19,38 +19,39 @@ std::int64_t bounded(std::int64_t value) {
     return std::clamp(value, -farthest, farthest);
 }
 
-/// True when every frame of samples has timestamps of its own.
-bool tellsFramesApart(TimeBase timeBase, int sampleRate) {
-    return timeBase.denominator % (std::int64_t{timeBase.numerator} * sampleRate) == 0;
-}
-
-std::int64_t nearestMultiple(std::int64_t value, std::int64_t step) {
-    const std::int64_t half = value >= 0 ? step / 2 : -(step / 2);
-    return (value + half) / step * step;
-}
-
 }  // namespace
 
 FramePlacement::FramePlacement(TimeBase timeBase, int sampleRate, std::int64_t firstTimestamp,
-                               std::int64_t skipped, std::int64_t step)
-    : timeBase_(timeBase),
-      sampleRate_(sampleRate),
-      firstTimestamp_(firstTimestamp),
-      skipped_(skipped),
-      step_(tellsFramesApart(timeBase, sampleRate) ? 1 : std::max<std::int64_t>(step, 1)),
-      // Two timestamps make a distance, and each was rounded.
-      tolerance_(step_ == 1 ? 0
-                            : 2 + 2 * av_rescale_rnd(timeBase.numerator, sampleRate, timeBase.denominator,
-                                                     AV_ROUND_UP)) {}
+                               std::int64_t skipped, std::span<const std::int64_t> steps)
+    : timeBase_(timeBase), sampleRate_(sampleRate), firstTimestamp_(firstTimestamp), skipped_(skipped) {
+    if (!needsSteps(timeBase, sampleRate)) return;
+    // Two timestamps make a distance, and each was rounded.
+    tolerance_ = 2 + 2 * av_rescale_rnd(timeBase.numerator, sampleRate, timeBase.denominator, AV_ROUND_UP);
+    if (steps.empty()) return;
+    beginnings_.push_back(0);
+    for (const auto step : steps) beginnings_.push_back(beginnings_.back() + step);
+}
+
+bool FramePlacement::needsSteps(TimeBase timeBase, int sampleRate) {
+    return timeBase.denominator % (std::int64_t{timeBase.numerator} * sampleRate) != 0;
+}
 
 std::int64_t FramePlacement::position(std::int64_t timestamp, std::optional<std::int64_t> expected) const {
     const AVRational from{timeBase_.numerator, timeBase_.denominator};
     const AVRational to{1, sampleRate_};
     const auto distance = bounded(av_rescale_q(bounded(timestamp) - bounded(firstTimestamp_), from, to));
     const auto found = distance - skipped_;
-    if (step_ == 1) return found;
     if (expected && std::abs(found - *expected) <= tolerance_) return *expected;
-    return nearestMultiple(distance, step_) - skipped_;
+    return nearestBeginning(distance) - skipped_;
+}
+
+std::int64_t FramePlacement::nearestBeginning(std::int64_t distance) const {
+    if (beginnings_.empty()) return distance;
+    const auto round = beginnings_.back();
+    const auto inRound = (distance % round + round) % round;
+    const auto next = std::ranges::upper_bound(beginnings_, inRound);
+    const auto nearest = *next - inRound <= inRound - *(next - 1) ? *next : *(next - 1);
+    return distance - inRound + nearest;
 }
 
 std::int64_t FramePlacement::timestampBefore(std::int64_t position) const {

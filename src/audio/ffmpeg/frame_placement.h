@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
+#include <vector>
 
 namespace orbinex {
 
@@ -16,10 +18,14 @@ struct TimeBase {
 class FramePlacement {
   public:
     /// `firstTimestamp` is that of the first decoded frame that is heard, of whose samples `skipped` at its
-    /// beginning are not. `step` is what the stream's frames begin at multiples of, counted from there; with
-    /// timestamps as coarse as milliseconds it restores what they round away.
+    /// beginning are not. `steps`, each above 0, are those from one place where a frame may begin to the
+    /// next, from there on, over and over; with timestamps as coarse as milliseconds they restore what these
+    /// round away. None when frames may begin anywhere.
     FramePlacement(TimeBase timeBase, int sampleRate, std::int64_t firstTimestamp, std::int64_t skipped,
-                   std::int64_t step);
+                   std::span<const std::int64_t> steps);
+
+    /// True when timestamps do not tell every frame of samples apart, so that the steps matter.
+    static bool needsSteps(TimeBase timeBase, int sampleRate);
 
     /// Where the decoded frame with this timestamp begins. `expected` is where the frame before it ended,
     /// nothing after a seek.
@@ -29,14 +35,16 @@ class FramePlacement {
     [[nodiscard]] std::int64_t timestampBefore(std::int64_t position) const;
 
   private:
+    [[nodiscard]] std::int64_t nearestBeginning(std::int64_t distance) const;
+
     TimeBase timeBase_;
     int sampleRate_;
     std::int64_t firstTimestamp_;
     std::int64_t skipped_;
-    /// 1 where timestamps tell every frame apart.
-    std::int64_t step_;
+    /// Where frames may begin, from 0 to where it begins anew; none when anywhere.
+    std::vector<std::int64_t> beginnings_;
     /// How far a timestamp may be from the truth, in frames.
-    std::int64_t tolerance_;
+    std::int64_t tolerance_ = 0;
 };
 
 }  // namespace orbinex

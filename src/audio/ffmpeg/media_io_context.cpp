@@ -10,6 +10,7 @@ extern "C" {
 #include <cstdio>
 #include <limits>
 #include <span>
+#include <utility>
 
 namespace orbinex {
 
@@ -34,6 +35,14 @@ MediaIOContext::MediaIOContext(MediaFile& media) : media_(media) {
     if (!context_) av_free(block);
 }
 
+void MediaIOContext::grant(std::uint64_t bytes) {
+    granted_ = bytes;
+    if (!std::exchange(isExhausted_, false)) return;
+    // The libraries remember that reading failed.
+    context_->error = 0;
+    context_->eof_reached = 0;
+}
+
 int MediaIOContext::read(void* io, std::uint8_t* bytes, int count) {
     auto& self = *static_cast<MediaIOContext*>(io);
     if (count <= 0) return AVERROR(EINVAL);
@@ -47,7 +56,7 @@ int MediaIOContext::read(void* io, std::uint8_t* bytes, int count) {
     }
     const auto size = self.media_.size();
     if (size && static_cast<std::uint64_t>(self.position_) >= *size) return AVERROR_EOF;
-    self.hasFailed_ = true;
+    (wanted == 0 ? self.isExhausted_ : self.hasFailed_) = true;
     return AVERROR(EIO);
 }
 

@@ -20,10 +20,12 @@ class MediaIOContext {
     [[nodiscard]] AVIOContext* context() const { return context_.get(); }
 
     /// From here on this many bytes may be read, whatever was granted before.
-    void grant(std::uint64_t bytes) { granted_ = bytes; }
+    void grant(std::uint64_t bytes);
 
-    /// True once bytes that the file should have could not be had, or more were wanted than granted.
+    /// True once bytes that the file should have could not be had.
     [[nodiscard]] bool hasFailed() const { return hasFailed_; }
+    /// True when more were wanted than granted. What the libraries have learnt until then stays right.
+    [[nodiscard]] bool isExhausted() const { return isExhausted_; }
 
   private:
     struct Free {
@@ -38,6 +40,7 @@ class MediaIOContext {
     std::int64_t position_ = 0;
     std::uint64_t granted_ = 0;
     bool hasFailed_ = false;
+    bool isExhausted_ = false;
 };
 
 }  // namespace orbinex

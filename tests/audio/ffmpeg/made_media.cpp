@@ -10,14 +10,14 @@ namespace orbinex::test {
 
 namespace {
 
-constexpr int seconds = 6;
+constexpr int seconds = 4;
 
 /// A sound to make media of: a rising tone in noise, another in each channel.
 struct Source {
     int sampleRate;
     int channelCount;
 };
-const Source sources[] = {{48000, 2}, {44100, 2}, {96000, 1}, {48000, 6}};
+const Source sources[] = {{48000, 2}, {44100, 2}, {96000, 1}, {48000, 6}, {48000, 1}, {22050, 1}};
 
 struct Recipe {
     const char* name;
@@ -26,6 +26,8 @@ struct Recipe {
     const char* options;
     Exactness exactness = Exactness::exact;
     bool hasVideo = false;
+    /// The packets of another medium, in another container.
+    const char* copyOf = nullptr;
 };
 const auto costly = Exactness::costly;
 const Recipe recipes[] = {
@@ -36,6 +38,8 @@ const Recipe recipes[] = {
     {"aac-noise.m4a", 0, "-c:a aac", Exactness::madeUpNoise},
     {"aac-fragments.mp4", 0, "-c:a aac -aac_pns 0 -movflags frag_keyframe+empty_moov -frag_duration 500000"},
     {"aac-cut.mp4", 0, "-ss 1.2345 -c:a aac -aac_pns 0"},
+    {"aac-two-streams.mp4", 0, "-map 1:a -c:a aac -aac_pns 0"},
+    {"aac-late.mov", 0, "-c:v mpeg4 -c:a aac -aac_pns 0 -af asetpts=PTS+0.7/TB", Exactness::exact, true},
     {"alac.m4a", 0, "-c:a alac -sample_fmt s16p"},
     {"alac-44100.m4a", 1, "-c:a alac -sample_fmt s32p"},
     {"alac-5.1.m4a", 3, "-c:a alac"},
@@ -43,9 +47,13 @@ const Recipe recipes[] = {
     {"s24-mono-96000.mov", 2, "-c:a pcm_s24be"},
     {"s16-video.mov", 1, "-c:v mpeg4 -c:a pcm_s16le", Exactness::exact, true},
     {"s24-video.mov", 0, "-c:v mpeg4 -c:a pcm_s24le", Exactness::exact, true},
+    {"alaw.mov", 1, "-c:a pcm_alaw"},
+    {"mulaw-mono.mov", 4, "-c:a pcm_mulaw"},
     {"aac-video.mov", 0, "-c:v mpeg4 -c:a aac -aac_pns 0", Exactness::exact, true},
     {"s16-25.mxf", 0, "-c:v mpeg2video -c:a pcm_s16le", Exactness::exact, true},
     {"s24-29.97.mxf", 0, "-c:v mpeg2video -r 30000/1001 -c:a pcm_s24le", Exactness::exact, true},
+    {"s24-mono-tracks.mxf", 4, "-map 0:a -c:v mpeg2video -c:a pcm_s24le -ac 1", Exactness::exact, true},
+    {"s24-29.97.mkv", 0, "", Exactness::exact, false, "s24-29.97.mxf"},
     {"s16.mkv", 1, "-c:a pcm_s16le"},
     {"s16-video.mkv", 0, "-c:v mpeg4 -c:a pcm_s16le", Exactness::exact, true},
     {"flac.mkv", 1, "-c:a flac"},
@@ -62,6 +70,10 @@ const Recipe recipes[] = {
     {"vorbis.ogg", 1, "-c:a libvorbis"},
     {"vorbis.webm", 0, "-c:a libvorbis"},
     {"flac.ogg", 0, "-c:a flac", costly},
+    {"no-length.flac", 0, "-c:a flac -seekable 0"},
+    {"info.mp3", 0, "-c:a libmp3lame -b:a 128k"},
+    {"mono-32k.mp3", 4, "-c:a libmp3lame -b:a 32k"},
+    {"mpeg2.mp3", 5, "-c:a libmp3lame -b:a 64k"},
     {"no-length.mp3", 1, "-c:a libmp3lame -write_xing 0"},
     {"variable.mp3", 0, "-c:a libmp3lame -q:a 4"},
     {"mp3.wav", 0, "-c:a libmp3lame"},
@@ -105,18 +117,27 @@ std::vector<MadeMedium> makeMedia() {
     inputs += " -f lavfi -i testsrc=s=64x48:r=25:d=" + std::to_string(seconds);
     const auto video = std::to_string(std::size(sources));
     std::string outputs;
+    std::string copyInputs;
+    std::string copyOutputs;
+    int copies = 0;
     std::string decodedInputs;
     std::string decodedOutputs;
     std::vector<MadeMedium> media;
     for (const auto& recipe : recipes) {
         const std::string path = folder.path(recipe.name);
-        if (recipe.hasVideo) outputs += " -map " + video + ":v";
-        outputs += " -map " + std::to_string(recipe.source) + ":a " + recipe.options + " " + path;
+        if (recipe.copyOf) {
+            copyInputs += " -i " + folder.path(recipe.copyOf);
+            copyOutputs += " -map " + std::to_string(copies++) + " -c copy " + path;
+        } else {
+            if (recipe.hasVideo) outputs += " -map " + video + ":v";
+            outputs += " -map " + std::to_string(recipe.source) + ":a " + recipe.options + " " + path;
+        }
         decodedInputs += " -i " + path;
         decodedOutputs += " -map " + std::to_string(media.size()) + ":a:0 -f f32le " + path + ".f32";
         media.push_back({recipe.name, recipe.exactness, sources[recipe.source].sampleRate, {}, {}});
     }
     runFFmpeg(inputs + outputs);
+    runFFmpeg(copyInputs + copyOutputs);
     runFFmpeg(decodedInputs + decodedOutputs);
     for (std::size_t i = 0; i < media.size(); ++i) {
         const auto path = folder.path(media[i].name);
@@ -142,6 +163,13 @@ const MadeMedium& madeMedium(const std::string& name) {
     const auto found = std::ranges::find(madeMedia(), name, &MadeMedium::name);
     if (found == madeMedia().end()) throw std::runtime_error("no such medium: " + name);
     return *found;
+}
+
+FileBytes madeBy(const std::string& arguments, const std::string& name) {
+    const TemporaryFolder folder;
+    const auto path = folder.path(name);
+    runFFmpeg(arguments + " " + path);
+    return bytesOf(path);
 }
 
 }  // namespace orbinex::test

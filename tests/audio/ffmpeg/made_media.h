@@ -31,4 +31,7 @@ const std::vector<MadeMedium>& madeMedia();
 
 const MadeMedium& madeMedium(const std::string& name);
 
+/// What the ffmpeg command makes with these arguments, in a file of this name.
+FileBytes madeBy(const std::string& arguments, const std::string& name);
+
 }  // namespace orbinex::test
