@@ -33,7 +33,9 @@ constexpr std::uint64_t openingBytes = 128U << 20U;
 constexpr std::int64_t probedBytes = 2 << 20;
 constexpr std::int64_t probedMicroseconds = 2'000'000;
 constexpr int maxStreams = 128;
-constexpr std::size_t largestAllocation = 128U << 20U;
+constexpr std::size_t largestAllocation = 64U << 20U;
+/// Packets that the headers list, of all streams: five hours of sixteen tracks of PCM.
+constexpr std::uint64_t maxListedPackets = 16'000'000;
 /// Packets of ours in a row that give no frame, and packets of other streams between two of ours.
 constexpr int maxFruitlessPackets = 1000;
 constexpr int maxForeignPackets = 100'000;
@@ -66,6 +68,13 @@ AVStream* firstAudioStream(const AVFormatContext& format) {
     return found;
 }
 
+std::uint64_t listedPackets(const AVFormatContext& format) {
+    std::uint64_t sum = 0;
+    for (unsigned i = 0; i < format.nb_streams; ++i)
+        sum += static_cast<std::uint64_t>(avformat_index_get_entries_count(format.streams[i]));
+    return sum;
+}
+
 }  // namespace
 
 void AudioStreamDecoder::FreeFormat::operator()(AVFormatContext* format) const {
@@ -89,7 +98,7 @@ std::unique_ptr<AudioStreamDecoder> AudioStreamDecoder::open(MediaFile& media) {
 }
 
 AudioStreamDecoder::AudioStreamDecoder(MediaFile& media)
-    : io_(media), packet_(av_packet_alloc()), frame_(av_frame_alloc()) {}
+    : media_(media), io_(media), packet_(av_packet_alloc()), frame_(av_frame_alloc()) {}
 
 AudioStreamDecoder::~AudioStreamDecoder() = default;
 
@@ -113,10 +122,14 @@ bool AudioStreamDecoder::openContainer() {
         avformat_free_context(format);
         return false;
     }
+    // A header of a few bytes may claim a packet for every number there is, of each of its streams.
+    const auto mostPackets = std::min(maxListedPackets, media_.size().value_or(0));
+    io_.watch([format, mostPackets] { return listedPackets(*format) <= mostPackets; });
     // A failure frees the context.
-    if (avformat_open_input(&format, nullptr, nullptr, nullptr) < 0) return false;
-    format_.reset(format);
-    return true;
+    const bool isOpen = avformat_open_input(&format, nullptr, nullptr, nullptr) >= 0;
+    io_.watch(nullptr);
+    if (isOpen) format_.reset(format);
+    return isOpen && !io_.isExhausted();
 }
 
 bool AudioStreamDecoder::findStream() {

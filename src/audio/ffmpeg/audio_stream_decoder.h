@@ -95,6 +95,7 @@ class AudioStreamDecoder {
     bool feedDecoder();
     void takeFrame();
 
+    MediaFile& media_;
     MediaIOContext io_;
     std::unique_ptr<AVFormatContext, FreeFormat> format_;
     std::unique_ptr<AVCodecContext, FreeCodec> codec_;

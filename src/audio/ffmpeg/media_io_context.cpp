@@ -10,7 +10,6 @@ extern "C" {
 #include <cstdio>
 #include <limits>
 #include <span>
-#include <utility>
 
 namespace orbinex {
 
@@ -18,6 +17,8 @@ namespace {
 
 /// Bytes read at once.
 constexpr int blockSize = 32 * 1024;
+/// The same while each read is watched.
+constexpr int watchedBytes = 1024;
 constexpr auto maxOffset = std::numeric_limits<std::int64_t>::max();
 
 }  // namespace
@@ -46,6 +47,10 @@ void MediaIOContext::grant(std::uint64_t bytes) {
 int MediaIOContext::read(void* io, std::uint8_t* bytes, int count) {
     auto& self = *static_cast<MediaIOContext*>(io);
     if (count <= 0) return AVERROR(EINVAL);
+    if (self.mayGoOn_) {
+        count = std::min(count, watchedBytes);
+        if (!self.mayGoOn_()) self.granted_ = 0;
+    }
     const auto wanted = static_cast<std::size_t>(std::min(static_cast<std::uint64_t>(count), self.granted_));
     const auto got = std::min(
         self.media_.read(static_cast<std::uint64_t>(self.position_), std::span(bytes, wanted)), wanted);

@@ -1,6 +1,9 @@
 // Files that are cut short, damaged, or try to have others opened.
 
+#include <string_view>
+
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include "audio/ffmpeg/endless_media_file.h"
 #include "audio/ffmpeg/ffmpeg_audio_file.h"
@@ -102,6 +105,49 @@ TEST(HostileMedia, ofATrackWhoseSamplesAreInAnotherFileGivesNothingOfThatFile) {
     }
     EXPECT_TRUE(isFound);
     surviveReading(std::move(bytes), 1);
+}
+
+std::size_t find(const FileBytes& bytes, std::string_view mark) {
+    const auto found = std::ranges::search(bytes, mark);
+    EXPECT_FALSE(found.empty()) << mark;
+    return static_cast<std::size_t>(found.begin() - bytes.begin());
+}
+
+std::uint32_t numberAt(const FileBytes& bytes, std::size_t at) {
+    std::uint32_t number = 0;
+    for (std::size_t i = 0; i < 4; ++i) number = number << 8U | bytes[at + i];
+    return number;
+}
+
+void setNumber(FileBytes& bytes, std::size_t at, std::uint32_t number) {
+    for (std::size_t i = 0; i < 4; ++i) bytes[at + i] = static_cast<std::uint8_t>(number >> (24 - 8 * i));
+}
+
+TEST(HostileMedia, whoseTracksClaimMillionsOfPacketsTakesNoMemoryForAll) {
+    auto bytes = madeMedium("aac.m4a").bytes;
+    // Behind a box's name and version: one size for so many samples, all of them in the first chunk.
+    constexpr std::uint32_t samples = 1'000'000;
+    const auto sizes = find(bytes, "stsz") + 8;
+    setNumber(bytes, sizes, 1);
+    setNumber(bytes, sizes + 4, samples);
+    setNumber(bytes, find(bytes, "stts") + 12, samples);
+    setNumber(bytes, find(bytes, "stsc") + 16, samples);
+    const auto movie = find(bytes, "moov") - 4;
+    const auto track = find(bytes, "trak") - 4;
+    const FileBytes copy(bytes.begin() + static_cast<std::ptrdiff_t>(track),
+                         bytes.begin() + static_cast<std::ptrdiff_t>(track + numberAt(bytes, track)));
+    for (int i = 0; i < 100; ++i)
+        bytes.insert(bytes.begin() + static_cast<std::ptrdiff_t>(track), copy.begin(), copy.end());
+    setNumber(bytes, movie, numberAt(bytes, movie) + 100 * static_cast<std::uint32_t>(copy.size()));
+
+    rusage before{};
+    rusage after{};
+    ::getrusage(RUSAGE_SELF, &before);
+    auto media = inMemory(std::move(bytes));
+    EXPECT_FALSE(FFmpegAudioFile::open(media));
+    ::getrusage(RUSAGE_SELF, &after);
+    constexpr long mostKiB = 700 << 10;
+    EXPECT_LT(after.ru_maxrss - before.ru_maxrss, mostKiB);
 }
 
 TEST(HostileMedia, readsNoMoreOfAFileThanItGrants) {
