@@ -24,7 +24,8 @@ sf_count_t MediaFileIO::length(void* io) {
         self.hasFailed_ = true;
         return 0;
     }
-    return static_cast<sf_count_t>(std::min<std::uint64_t>(*size, maxCount));
+    self.length_ = std::max(self.length_, static_cast<sf_count_t>(std::min<std::uint64_t>(*size, maxCount)));
+    return self.length_;
 }
 
 sf_count_t MediaFileIO::seek(sf_count_t offset, int whence, void* io) {

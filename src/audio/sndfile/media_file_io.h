@@ -11,14 +11,16 @@ namespace orbinex {
 /// A media file as libsndfile's virtual input.
 class MediaFileIO {
   public:
-    /// `media` must outlive it.
-    explicit MediaFileIO(MediaFile& media) : media_(media) {}
+    /// `media` must outlive it. `length` is what the file had once; what was cut off since is missing.
+    MediaFileIO(MediaFile& media, sf_count_t length) : media_(media), length_(length) {}
 
     /// For sf_open_virtual, with this object as the user data.
     static SF_VIRTUAL_IO callbacks();
 
     /// True once bytes that the file should have could not be had.
     [[nodiscard]] bool hasFailed() const { return hasFailed_; }
+    /// The most that the file had.
+    [[nodiscard]] sf_count_t longest() const { return length_; }
     void forgetFailure() { hasFailed_ = false; }
 
   private:
@@ -29,6 +31,7 @@ class MediaFileIO {
     static sf_count_t tell(void* io);
 
     MediaFile& media_;
+    sf_count_t length_;
     sf_count_t position_ = 0;
     bool hasFailed_ = false;
 };

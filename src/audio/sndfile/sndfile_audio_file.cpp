@@ -65,9 +65,9 @@ sf_count_t readFrames(SNDFILE* file, float* samples, std::size_t frames) {
 /// The file as libsndfile has it open.
 class SndfileAudioFile::Opened {
   public:
-    /// Nothing when libsndfile does not read it.
-    static std::unique_ptr<Opened> open(MediaFile& media) {
-        auto opened = std::unique_ptr<Opened>(new Opened(media));
+    /// Nothing when libsndfile does not read it. `length` is what the file had once.
+    static std::unique_ptr<Opened> open(MediaFile& media, sf_count_t length) {
+        auto opened = std::unique_ptr<Opened>(new Opened(media, length));
         auto callbacks = MediaFileIO::callbacks();
         opened->file_.reset(sf_open_virtual(&callbacks, SFM_READ, &opened->info_, &opened->io_));
         if (!opened->file_ || !opened->isUsable()) return nullptr;
@@ -75,6 +75,8 @@ class SndfileAudioFile::Opened {
         return opened;
     }
 
+    /// The most bytes that the file had.
+    [[nodiscard]] sf_count_t longest() const { return io_.longest(); }
     [[nodiscard]] const SF_INFO& info() const { return info_; }
     [[nodiscard]] int channelCount() const { return std::min(info_.channels, 2); }
     [[nodiscard]] SampleType sampleType() const {
@@ -102,7 +104,7 @@ class SndfileAudioFile::Opened {
     }
 
   private:
-    explicit Opened(MediaFile& media) : io_(media) {}
+    Opened(MediaFile& media, sf_count_t length) : io_(media, length) {}
 
     [[nodiscard]] bool isUsable() const {
         // Of FLAC that does not tell its length it says the most that it can count.
@@ -177,7 +179,7 @@ class SndfileAudioFile::Opened {
 
 std::unique_ptr<SndfileAudioFile> SndfileAudioFile::open(std::unique_ptr<MediaFile>& media) {
     if (!media) return nullptr;
-    auto opened = Opened::open(*media);
+    auto opened = Opened::open(*media, 0);
     if (!opened || opened->hasFailed()) return nullptr;
     return std::unique_ptr<SndfileAudioFile>(new SndfileAudioFile(std::move(media), std::move(opened)));
 }
@@ -217,7 +219,7 @@ bool SndfileAudioFile::recover() {
         opened_->forgetFailure();
         return true;
     }
-    auto opened = Opened::open(*media_);
+    auto opened = Opened::open(*media_, opened_->longest());
     if (!opened || opened->hasFailed() || !opened->hasSameSamplesAs(*opened_)) return false;
     opened_ = std::move(opened);
     return true;

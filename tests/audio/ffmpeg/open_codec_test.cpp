@@ -1,6 +1,9 @@
 #include "audio/codec/open_codec.h"
 
+#include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -49,6 +52,37 @@ TEST(OpenCodec, isNotMisledByFrameHeadersInsideOtherFiles) {
     EXPECT_FALSE(SndfileAudioFile::open(media));
     media = inMemory(text);
     EXPECT_FALSE(SndfileAudioFile::open(media));
+}
+
+TEST(OpenCodec, isSilentWhereAFileIsCutShortWhileItPlaysAndSoundsAgain) {
+    const std::pair<const char*, const char*> kinds[] = {
+        {"cut.wav", "pcm_s16le"}, {"cut.flac", "flac"}, {"cut.m4a", "aac -aac_pns 0"}};
+    for (const auto& [name, codec] : kinds) {
+        SCOPED_TRACE(name);
+        const auto disc = std::make_shared<Disc>();
+        disc->bytes = madeBy(std::string("-f lavfi -i sine=r=48000:d=4 -c:a ") + codec, name);
+        const auto file = openCodec(std::make_unique<MemoryMediaFile>(disc));
+        ASSERT_TRUE(file);
+        PCMBuffer buffer(file->sampleType(), file->channelCount());
+        const auto samplesAt = [&](std::int64_t start) {
+            std::vector<float> samples;
+            const auto frames = file->read(start, 1024, buffer);
+            for (std::size_t i = 0; i < frames; ++i)
+                samples.push_back(file->sampleType() == SampleType::int16
+                                      ? static_cast<float>(buffer.shorts()[i])
+                                      : buffer.floats()[i]);
+            return samples;
+        };
+        const auto before = samplesAt(150'000);
+        EXPECT_EQ(before.size(), 1024U);
+        const auto whole = disc->bytes;
+        disc->bytes.resize(whole.size() / 3);
+        for (std::int64_t start = 120'000; start < 150'000; start += 3'168)
+            EXPECT_EQ(samplesAt(start).size(), 0U) << start;
+        EXPECT_EQ(samplesAt(10'000).size(), 1024U) << "before the cut";
+        disc->bytes = whole;
+        EXPECT_EQ(samplesAt(150'000), before);
+    }
 }
 
 TEST(OpenCodec, givesNothingForWhatHasNoAudio) {
