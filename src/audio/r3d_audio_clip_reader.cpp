@@ -52,7 +52,8 @@ struct Reading {
 };
 
 /// Reads up to `count` frames that lie one after the other from `place` on, as many at a time as the scratch
-/// holds, until the file has no more. False when it had none.
+/// holds, until the file has no more. False when it had none, and when more are there but late: what follows
+/// must not be heard in their place.
 bool readRun(MediaFile& file, std::uint64_t place, std::size_t count, std::span<std::uint8_t> scratch,
              Reading& reading) {
     std::size_t done = 0;
@@ -63,7 +64,9 @@ bool readRun(MediaFile& file, std::uint64_t place, std::size_t count, std::span<
         const std::size_t frames = std::min(got, bytes.size()) / AudioBlock::frameSize;
         reading.add(bytes.first(frames * AudioBlock::frameSize));
         done += frames;
-        if (frames < wanted) break;
+        if (frames == wanted) continue;
+        const auto size = file.size();
+        return done > 0 && size && *size < place + (done + 1) * AudioBlock::frameSize;
     }
     return done > 0;
 }

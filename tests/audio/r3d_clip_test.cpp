@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 #include <random>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -190,6 +191,53 @@ TEST(R3DClip, goesOnWithTheNextBlockWhereverABlockBreaksOff) {
     Clip clip({segment});
     clip.files[0]->resize(8192 + 128 + 7);
     EXPECT_EQ(clip.read(0, 10'000), MonoRead{}) << "no frame at all ends the read";
+}
+
+/// One file, of which a part comes late: reads end there, though the file goes on.
+class LateMedia final : public ClipMedia {
+  public:
+    explicit LateMedia(Bytes bytes) : bytes_(std::make_shared<Bytes>(std::move(bytes))) {}
+
+    std::pair<std::uint64_t, std::uint64_t> late{0, 0};
+
+    bool exists(const std::string&) override { return true; }
+    std::unique_ptr<AudioFile> openAudioFile(const std::string&) override { return nullptr; }
+    std::unique_ptr<MediaFile> openFile(const std::string&) override {
+        return std::make_unique<LateFile>(*this);
+    }
+
+  private:
+    class LateFile final : public MediaFile {
+      public:
+        explicit LateFile(LateMedia& media) : media_(media), file_(media.bytes_) {}
+        std::optional<std::uint64_t> size() override { return file_.size(); }
+        std::size_t read(std::uint64_t offset, std::span<std::uint8_t> bytes) override {
+            const auto [begin, end] = media_.late;
+            const auto atHand = offset >= end ? bytes.size() : begin - std::min(offset, begin);
+            return file_.read(offset, bytes.first(std::min(bytes.size(), atHand)));
+        }
+
+      private:
+        LateMedia& media_;
+        MemoryMediaFile file_;
+    };
+
+    std::shared_ptr<const Bytes> bytes_;
+};
+
+TEST(R3DClip, doesNotHearTheNextBlockInPlaceOfBytesThatAreLate) {
+    auto blocks = R3DClipWriter::block(noise(500));
+    const auto second = R3DClipWriter::block(noise(500));
+    blocks.insert(blocks.end(), second.begin(), second.end());
+    LateMedia media(R3DClipWriter::segment(blocks, {{1, 128 + 4000}, {3, 128 + 4000}}));
+    const auto reader = R3DAudioClipReader::create("/A.R3D", media);
+    ASSERT_EQ(reader->totalSampleFrames(), 1000);
+    std::vector<float> buffer(1000);
+    EXPECT_EQ(reader->readMono(0, 1000, buffer).framesRead, 1000U);
+    media.late = {4096 + 128 + 8 * 300 + 3, 4096 + 128 + 4000};
+    EXPECT_EQ(reader->readMono(0, 1000, buffer).framesRead, 300U);
+    EXPECT_EQ(reader->readMono(400, 600, buffer).framesRead, 0U);
+    EXPECT_EQ(reader->readMono(500, 500, buffer).framesRead, 500U);
 }
 
 TEST(R3DClip, takesBlocksThatOverlapAndPagesPastTheEnd) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <tuple>
+#include <utility>
 
 namespace orbinex {
 
@@ -56,8 +57,10 @@ void ChunkPlan::lose(Range chunks) {
 }
 
 void ChunkPlan::loseAll() {
-    for (Slot slot = 0; slot < slotCount; ++slot)
+    for (Slot slot = 0; slot < slotCount; ++slot) {
+        if (places_[slot].state == State::fetching) places_[slot].isLost = true;
         if (places_[slot].state == State::atHand) vacate(slot);
+    }
 }
 
 std::optional<ChunkPlan::Slot> ChunkPlan::find(Chunk chunk) const {
@@ -88,7 +91,7 @@ std::optional<ChunkPlan::Fetch> ChunkPlan::beginFetch() {
 
 void ChunkPlan::endFetch(Slot slot, bool isComplete, Time now) {
     Place& place = places_[slot];
-    place.state = State::atHand;
+    place.state = std::exchange(place.isLost, false) ? State::wanted : State::atHand;
     place.isComplete = isComplete;
     place.fetchTime = now;
 }

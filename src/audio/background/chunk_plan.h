@@ -54,6 +54,7 @@ class ChunkPlan {
     void noteRead(Range chunks, Time now);
     /// Chunks are not at hand any more, though they were.
     void lose(Range chunks);
+    /// The same for all, and for what is being fetched as soon as it comes.
     void loseAll();
     /// Where the chunk is, if it is at hand.
     [[nodiscard]] std::optional<Slot> find(Chunk chunk) const;
@@ -71,6 +72,8 @@ class ChunkPlan {
     struct Place {
         State state = State::empty;
         bool isComplete = false;
+        /// It was lost while it was being fetched.
+        bool isLost = false;
         /// Play has moved on to the next chunk.
         bool isPassed = false;
         /// Play has left the chunk that it came from.

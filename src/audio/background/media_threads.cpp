@@ -86,6 +86,7 @@ bool MediaThreads::Crew::waitFor(const std::function<bool()>& isDone) {
     if (isDone()) return true;
     if (isWorkerThread()) return false;
     std::unique_lock lock(mutex_);
+    if (isStopping_) return false;
     startThreadIfNeeded();
     const auto begin = clock_();
     const auto limit = allowance_.available(begin);

@@ -38,6 +38,13 @@ bool isMediaFile(int descriptor) {
            std::ranges::find(kernelFileSystems, fileSystemOf(descriptor)) == kernelFileSystems.end();
 }
 
+/// True when some are left for the rest of the program, as a clip of many segments may want many: the lowest
+/// one that is free is always given.
+bool leavesDescriptors(int descriptor) {
+    const long most = ::sysconf(_SC_OPEN_MAX);
+    return most < 0 || descriptor < most - most / 4;
+}
+
 /// Negative on an error. `flags` as preadv2 takes them.
 ssize_t readOnce(int descriptor, std::uint64_t offset, std::span<std::uint8_t> bytes, int flags) {
     const iovec room{bytes.data(), bytes.size()};
@@ -75,7 +82,7 @@ std::unique_ptr<PosixMediaFile> PosixMediaFile::open(const std::string& path) {
     if (::stat(path.c_str(), &about) != 0 || !isOrdinary(about)) return nullptr;
     const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
     if (descriptor < 0) return nullptr;
-    if (!isMediaFile(descriptor)) {
+    if (!leavesDescriptors(descriptor) || !isMediaFile(descriptor)) {
         ::close(descriptor);
         return nullptr;
     }

@@ -64,15 +64,13 @@ class PromptMediaFile::Blocks final : public ChunkStore {
 bool PromptMediaFile::Blocks::fetch(const ChunkPlan::Fetch& fetch) {
     const auto offset = static_cast<std::uint64_t>(fetch.chunk) * blockBytes;
     if (access_ == Access::none) return copyBlock(fetch.slot, offset);
-    // In case that copies are asked for meanwhile.
-    lengths_[fetch.slot] = 0;
     if (!fetch.isDemanded) {
         file_->prepare(offset, blockBytes);
     } else {
         discarded_.resize(blockBytes);
         file_->read(offset, discarded_);
     }
-    return access_ != Access::none;
+    return true;
 }
 
 bool PromptMediaFile::Blocks::copyBlock(Slot slot, std::uint64_t offset) {

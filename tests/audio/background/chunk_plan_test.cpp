@@ -166,6 +166,18 @@ TEST(ChunkPlan, leavesAloneWhatIsBeingFetched) {
     EXPECT_EQ(plan.find(1), fetch->slot);
 }
 
+TEST(ChunkPlan, fetchesOnceMoreWhatWasLostMeanwhile) {
+    ChunkPlan plan(2);
+    plan.read({1, 1}, 1h);
+    const auto fetch = plan.beginFetch();
+    plan.loseAll();
+    plan.endFetch(fetch->slot, true, 1h);
+    EXPECT_FALSE(plan.find(1));
+    ASSERT_TRUE(plan.hasDemand());
+    plan.endFetch(plan.beginFetch()->slot, true, 1h);
+    EXPECT_TRUE(plan.find(1));
+}
+
 }  // namespace
 
 }  // namespace orbinex

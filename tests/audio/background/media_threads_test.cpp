@@ -237,6 +237,8 @@ TEST(MediaThreads, letGoOfWhatIsLeftWhenTheyEnd) {
     EXPECT_EQ(resource.use_count(), 1);
     workers->post(task([resource] { return true; }), Urgency::ordinary);
     EXPECT_EQ(resource.use_count(), 1);
+    int looks = 0;
+    EXPECT_FALSE(workers->waitFor([&] { return ++looks > 1; })) << "nobody is left to wait for";
 }
 
 TEST(MediaThreads, waitForWhatIsDoneInTime) {

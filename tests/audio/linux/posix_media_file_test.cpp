@@ -2,11 +2,13 @@
 
 #include <array>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -120,6 +122,23 @@ TEST(PosixMediaFile, isNotInheritedByOtherPrograms) {
     const auto file = PosixMediaFile::open(folder.file("a", 10));
     ASSERT_TRUE(file);
     EXPECT_EQ(::fcntl(lowestFree, F_GETFD) & FD_CLOEXEC, FD_CLOEXEC);
+}
+
+TEST(PosixMediaFile, leavesDescriptorsForTheRestOfTheProgram) {
+    const TemporaryFolder folder;
+    const auto path = folder.file("a", 10);
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+    const rlimit few{80, before.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &few), 0);
+    std::vector<std::unique_ptr<PosixMediaFile>> files;
+    for (int i = 0; i < 80; ++i) files.push_back(PosixMediaFile::open(path));
+    EXPECT_TRUE(files.front());
+    EXPECT_FALSE(files.back());
+    const int free = ::dup(0);
+    EXPECT_GE(free, 0);
+    ::close(free);
+    ::setrlimit(RLIMIT_NOFILE, &before);
 }
 
 }  // namespace
