@@ -21,7 +21,6 @@ class AVAudioClipReader {
     /// In Hz.
     [[nodiscard]] double sampleRate() const { return sampleRate_; }
     [[nodiscard]] std::int64_t totalSampleFrames() const { return totalSampleFrames_; }
-    [[nodiscard]] int channelCount() const { return channelCount_; }
 
     /// Reads frames from `startSample` on, at most `maxFrames`, PCMBuffer::frameCapacity and what `buffer`
     /// has room for, and writes each frame's mean of left and right to `buffer`, from its beginning. A mono

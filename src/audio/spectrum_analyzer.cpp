@@ -50,7 +50,7 @@ class SpectrumAnalyzer::Transform {
   private:
     kiss_fftr_cfg plan_;
     std::array<float, fftLength> windowed_{};
-    std::array<kiss_fft_cpx, halfN + 1> bins_{};
+    std::array<kiss_fft_cpx, fftLength / 2 + 1> bins_{};
 };
 
 SpectrumAnalyzer::SpectrumAnalyzer() : transform_(std::make_unique<Transform>()) {

@@ -13,7 +13,6 @@ namespace orbinex {
 class SpectrumAnalyzer {
   public:
     static constexpr std::size_t fftLength = 1024;
-    static constexpr std::size_t halfN = fftLength / 2;
     static constexpr std::size_t bandCount = 16;
     using Bands = std::array<std::uint8_t, bandCount>;
 

@@ -4,15 +4,15 @@
 #include <memory>
 #include <utility>
 
-#include "audio/sndfile/memory_media_file.h"
+#include "audio/sndfile/disc_media_file.h"
 
 namespace orbinex::test {
 
 /// A disc with a file far larger than memory: after its beginning the same bytes again and again.
 struct EndlessDisc {
-    FileBytes beginning;
+    Bytes beginning;
     /// Not empty.
-    FileBytes repeated;
+    Bytes repeated;
     std::uint64_t size = 0;
     std::uint64_t bytesRead = 0;
 };

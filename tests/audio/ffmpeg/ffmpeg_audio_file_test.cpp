@@ -11,7 +11,7 @@ namespace {
 
 using namespace test;
 
-std::unique_ptr<FFmpegAudioFile> open(FileBytes bytes) {
+std::unique_ptr<FFmpegAudioFile> open(Bytes bytes) {
     auto media = inMemory(std::move(bytes));
     return FFmpegAudioFile::open(media);
 }
@@ -78,22 +78,10 @@ TEST(FFmpegAudioFile, keepsTheLevelWhereTheDecoderMakesUpNoise) {
 
 TEST(FFmpegAudioFile, readsNothingOutsideTheFileAndNoMoreThanTheBufferHolds) {
     for (const auto* name : {"aac.m4a", "s16-video.mov", "flac.mkv"}) {
-        const auto& medium = madeMedium(name);
-        const auto file = open(medium.bytes);
+        SCOPED_TRACE(name);
+        const auto file = open(madeMedium(name).bytes);
         ASSERT_TRUE(file);
-        const auto length = file->totalSampleFrames();
-        PCMBuffer buffer(file->sampleType(), file->channelCount());
-        const struct {
-            std::int64_t start;
-            std::size_t count;
-            std::size_t expected;
-        } rows[] = {{-1, 10, 0},          {length, 10, 0},
-                    {length + 1, 10, 0},  {0, 0, 0},
-                    {length - 1, 10, 1},  {length - 1024, 4096, 1024},
-                    {0, 1U << 30U, 2048}, {std::int64_t{1} << 62, 10, 0}};
-        for (const auto& row : rows)
-            EXPECT_EQ(file->read(row.start, row.count, buffer), row.expected)
-                << name << " " << row.start << " " << row.count;
+        expectNothingIsReadOutside(*file);
     }
 }
 
@@ -142,7 +130,7 @@ TEST(FFmpegAudioFile, readsTheSameAgainAfterTheDiscWasGoneOrTheFileCutShort) {
         SCOPED_TRACE(medium.name);
         const auto disc = std::make_shared<Disc>();
         disc->bytes = medium.bytes;
-        std::unique_ptr<MediaFile> media = std::make_unique<MemoryMediaFile>(disc);
+        std::unique_ptr<MediaFile> media = std::make_unique<DiscMediaFile>(disc);
         const auto file = FFmpegAudioFile::open(media);
         ASSERT_TRUE(file);
         PCMBuffer buffer(file->sampleType(), file->channelCount());

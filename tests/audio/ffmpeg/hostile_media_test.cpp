@@ -17,10 +17,10 @@ namespace {
 using namespace test;
 
 /// Opens and reads whatever this is. Returns whether it opened.
-bool surviveReading(FileBytes bytes, unsigned seed) {
+bool surviveReading(Bytes bytes, unsigned seed) {
     const auto disc = std::make_shared<Disc>();
     disc->bytes = std::move(bytes);
-    std::unique_ptr<MediaFile> media = std::make_unique<MemoryMediaFile>(disc);
+    std::unique_ptr<MediaFile> media = std::make_unique<DiscMediaFile>(disc);
     const auto file = FFmpegAudioFile::open(media);
     if (!file) return false;
     EXPECT_GE(file->totalSampleFrames(), 1);
@@ -85,7 +85,7 @@ TEST(HostileMedia, thatNamesOtherFilesIsRefused) {
         "nothing",
     };
     for (const auto& text : texts) {
-        auto media = inMemory(FileBytes(text.begin(), text.end()));
+        auto media = inMemory(Bytes(text.begin(), text.end()));
         EXPECT_FALSE(FFmpegAudioFile::open(media)) << text;
         EXPECT_TRUE(media);
     }
@@ -107,19 +107,19 @@ TEST(HostileMedia, ofATrackWhoseSamplesAreInAnotherFileGivesNothingOfThatFile) {
     surviveReading(std::move(bytes), 1);
 }
 
-std::size_t find(const FileBytes& bytes, std::string_view mark) {
+std::size_t find(const Bytes& bytes, std::string_view mark) {
     const auto found = std::ranges::search(bytes, mark);
     EXPECT_FALSE(found.empty()) << mark;
     return static_cast<std::size_t>(found.begin() - bytes.begin());
 }
 
-std::uint32_t numberAt(const FileBytes& bytes, std::size_t at) {
+std::uint32_t numberAt(const Bytes& bytes, std::size_t at) {
     std::uint32_t number = 0;
     for (std::size_t i = 0; i < 4; ++i) number = number << 8U | bytes[at + i];
     return number;
 }
 
-void setNumber(FileBytes& bytes, std::size_t at, std::uint32_t number) {
+void setNumber(Bytes& bytes, std::size_t at, std::uint32_t number) {
     for (std::size_t i = 0; i < 4; ++i) bytes[at + i] = static_cast<std::uint8_t>(number >> (24 - 8 * i));
 }
 
@@ -134,8 +134,8 @@ TEST(HostileMedia, whoseTracksClaimMillionsOfPacketsTakesNoMemoryForAll) {
     setNumber(bytes, find(bytes, "stsc") + 16, samples);
     const auto movie = find(bytes, "moov") - 4;
     const auto track = find(bytes, "trak") - 4;
-    const FileBytes copy(bytes.begin() + static_cast<std::ptrdiff_t>(track),
-                         bytes.begin() + static_cast<std::ptrdiff_t>(track + numberAt(bytes, track)));
+    const Bytes copy(bytes.begin() + static_cast<std::ptrdiff_t>(track),
+                     bytes.begin() + static_cast<std::ptrdiff_t>(track + numberAt(bytes, track)));
     for (int i = 0; i < 100; ++i)
         bytes.insert(bytes.begin() + static_cast<std::ptrdiff_t>(track), copy.begin(), copy.end());
     setNumber(bytes, movie, numberAt(bytes, movie) + 100 * static_cast<std::uint32_t>(copy.size()));

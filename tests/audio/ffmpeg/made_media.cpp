@@ -165,7 +165,7 @@ const MadeMedium& madeMedium(const std::string& name) {
     return *found;
 }
 
-FileBytes madeBy(const std::string& arguments, const std::string& name) {
+Bytes madeBy(const std::string& arguments, const std::string& name) {
     const TemporaryFolder folder;
     const auto path = folder.path(name);
     runFFmpeg(arguments + " " + path);

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "audio/sndfile/memory_media_file.h"
+#include "audio/sndfile/disc_media_file.h"
 #include "audio/sndfile/straight_decode.h"
 
 namespace orbinex::test {
@@ -22,7 +22,7 @@ struct MadeMedium {
     std::string name;
     Exactness exactness = Exactness::exact;
     int sampleRate = 48000;
-    FileBytes bytes;
+    Bytes bytes;
     StraightDecode straight;
 };
 
@@ -32,6 +32,6 @@ const std::vector<MadeMedium>& madeMedia();
 const MadeMedium& madeMedium(const std::string& name);
 
 /// What the ffmpeg command makes with these arguments, in a file of this name.
-FileBytes madeBy(const std::string& arguments, const std::string& name);
+Bytes madeBy(const std::string& arguments, const std::string& name);
 
 }  // namespace orbinex::test

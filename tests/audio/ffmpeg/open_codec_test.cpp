@@ -32,13 +32,13 @@ TEST(OpenCodec, letsNoContainerPassForSomethingElse) {
 TEST(OpenCodec, isNotMisledByFrameHeadersInsideOtherFiles) {
     const auto& mpeg = madeMedium("variable.mp3").bytes;
     // An MP4 file that begins with a box full of MPEG audio.
-    FileBytes disguised(mpeg.size() + 8);
+    Bytes disguised(mpeg.size() + 8);
     std::ranges::copy(std::string_view("free"), disguised.begin() + 4);
     std::ranges::copy(mpeg, disguised.begin() + 8);
     for (std::size_t i = 0; i < 4; ++i)
         disguised[i] = static_cast<std::uint8_t>(disguised.size() >> (24 - 8 * i));
     const auto& fragments = madeMedium("aac-fragments.mp4");
-    FileBytes text(20'000, ' ');
+    Bytes text(20'000, ' ');
     for (std::size_t i = 0; i + 4 < text.size(); i += 417) {
         text[i] = 0xFF;
         text[i + 1] = 0xFB;
@@ -61,7 +61,7 @@ TEST(OpenCodec, isSilentWhereAFileIsCutShortWhileItPlaysAndSoundsAgain) {
         SCOPED_TRACE(name);
         const auto disc = std::make_shared<Disc>();
         disc->bytes = madeBy(std::string("-f lavfi -i sine=r=48000:d=4 -c:a ") + codec, name);
-        const auto file = openCodec(std::make_unique<MemoryMediaFile>(disc));
+        const auto file = openCodec(std::make_unique<DiscMediaFile>(disc));
         ASSERT_TRUE(file);
         PCMBuffer buffer(file->sampleType(), file->channelCount());
         const auto samplesAt = [&](std::int64_t start) {
@@ -88,9 +88,9 @@ TEST(OpenCodec, isSilentWhereAFileIsCutShortWhileItPlaysAndSoundsAgain) {
 TEST(OpenCodec, givesNothingForWhatHasNoAudio) {
     EXPECT_FALSE(openCodec(nullptr));
     EXPECT_FALSE(openCodec(inMemory({})));
-    EXPECT_FALSE(openCodec(inMemory(FileBytes(100'000, 0))));
+    EXPECT_FALSE(openCodec(inMemory(Bytes(100'000, 0))));
     std::mt19937 random(4);
-    FileBytes noise(100'000);
+    Bytes noise(100'000);
     std::ranges::generate(noise, [&] { return static_cast<std::uint8_t>(random()); });
     EXPECT_FALSE(openCodec(inMemory(std::move(noise))));
 }

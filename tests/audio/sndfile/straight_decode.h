@@ -6,6 +6,8 @@
 #include <random>
 #include <vector>
 
+#include <gtest/gtest.h>
+
 #include "audio/audio_file.h"
 
 namespace orbinex::test {
@@ -83,6 +85,22 @@ inline float differenceOfReads(AudioFile& file, const StraightDecode& straight, 
         compare(here, 512);
     }
     return largest;
+}
+
+/// That reads end where the file does, and where the buffer does.
+inline void expectNothingIsReadOutside(AudioFile& file) {
+    const auto length = file.totalSampleFrames();
+    PCMBuffer buffer(file.sampleType(), file.channelCount());
+    const struct {
+        std::int64_t start;
+        std::size_t count;
+        std::size_t expected;
+    } rows[] = {{-1, 10, 0},          {length, 10, 0},
+                {length + 1, 10, 0},  {0, 0, 0},
+                {length - 1, 10, 1},  {length - 1024, 4096, 1024},
+                {0, 1U << 30U, 2048}, {std::int64_t{1} << 62, 10, 0}};
+    for (const auto& row : rows)
+        EXPECT_EQ(file.read(row.start, row.count, buffer), row.expected) << row.start << " " << row.count;
 }
 
 /// Reads a file that may be anything, all over the place.
