@@ -9,32 +9,36 @@ namespace orbinex {
 bool ChunkPlan::read(Range chunks, Time now) {
     bool areAtHand = true;
     for (Chunk chunk = chunks.first; chunk <= chunks.last; ++chunk) {
-        Place* const place = enter(chunk, chunks, now);
-        if (place && place->state == State::atHand && !place->isComplete &&
-            now - place->fetchTime > incompleteLife)
-            place->state = State::wanted;
-        areAtHand &= place && place->state == State::atHand;
+        const auto slot = enter(chunk, chunks, now);
+        if (!slot) {
+            areAtHand = false;
+            continue;
+        }
+        const Place& place = places_[*slot];
+        if (place.state == State::atHand && !place.isComplete && now - place.fetchTime > incompleteLife)
+            setState(*slot, State::wanted);
+        areAtHand &= place.state == State::atHand;
     }
     return areAtHand;
 }
 
 void ChunkPlan::noteRead(Range chunks, Time now) {
     for (Chunk chunk = chunks.first; chunk <= chunks.last; ++chunk) {
-        Place* const place = enter(chunk, chunks, now);
-        if (!place || place->state != State::wanted) continue;
-        place->state = State::atHand;
-        place->isComplete = true;
+        const auto slot = enter(chunk, chunks, now);
+        if (!slot || places_[*slot].state != State::wanted) continue;
+        setState(*slot, State::atHand);
+        places_[*slot].isComplete = true;
     }
 }
 
-ChunkPlan::Place* ChunkPlan::enter(Chunk chunk, Range read, Time now) {
-    if (chunk < 0 || chunk >= chunkCount_) return nullptr;
+std::optional<ChunkPlan::Slot> ChunkPlan::enter(Chunk chunk, Range read, Time now) {
+    if (chunk < 0 || chunk >= chunkCount_) return std::nullopt;
     lastTime_ = now;
     auto slot = slotOf(chunk);
     if (!slot) {
         const int direction = directionOfEntry(chunk);
         slot = claim(chunk, 0, now);
-        if (!slot) return nullptr;
+        if (!slot) return std::nullopt;
         places_[*slot].direction = direction;
     }
     Place& place = places_[*slot];
@@ -48,12 +52,12 @@ ChunkPlan::Place* ChunkPlan::enter(Chunk chunk, Range read, Time now) {
     }
     for (int distance = 1; distance <= readAhead; ++distance)
         wantAhead(chunk + Chunk{distance} * place.direction, distance, place.direction, now);
-    return &place;
+    return slot;
 }
 
 void ChunkPlan::lose(Range chunks) {
     for (Chunk chunk = chunks.first; chunk <= chunks.last; ++chunk)
-        if (const auto slot = find(chunk)) places_[*slot].state = State::wanted;
+        if (const auto slot = find(chunk)) setState(*slot, State::wanted);
 }
 
 void ChunkPlan::loseAll() {
@@ -77,36 +81,40 @@ bool ChunkPlan::areAtHand(Range chunks) const {
 std::optional<ChunkPlan::Fetch> ChunkPlan::beginFetch() {
     dropOutdated();
     std::optional<Slot> next;
-    for (Slot slot = 0; slot < slotCount; ++slot) {
+    forEachWanted([&](Slot slot) {
         const Place& place = places_[slot];
-        if (place.state != State::wanted) continue;
         if (!next || std::tie(place.distance, place.lastUse) <
                          std::tie(places_[*next].distance, places_[*next].lastUse))
             next = slot;
-    }
+    });
     if (!next) return std::nullopt;
-    places_[*next].state = State::fetching;
+    setState(*next, State::fetching);
     return Fetch{*next, chunks_[*next], places_[*next].distance == 0};
 }
 
 void ChunkPlan::endFetch(Slot slot, bool isComplete, Time now) {
     Place& place = places_[slot];
-    place.state = std::exchange(place.isLost, false) ? State::wanted : State::atHand;
+    setState(slot, std::exchange(place.isLost, false) ? State::wanted : State::atHand);
     place.isComplete = isComplete;
     place.fetchTime = now;
 }
 
 bool ChunkPlan::hasDemand() const {
-    return std::ranges::any_of(
-        places_, [](const Place& place) { return place.state == State::wanted && place.distance == 0; });
+    bool isDemanded = false;
+    forEachWanted([&](Slot slot) { isDemanded |= places_[slot].distance == 0; });
+    return isDemanded;
 }
 
-bool ChunkPlan::hasWork() const {
-    return std::ranges::any_of(places_, [](const Place& place) { return place.state == State::wanted; });
+void ChunkPlan::setState(Slot slot, State state) {
+    places_[slot].state = state;
+    const auto bit = std::uint64_t{1} << slot;
+    wanted_ = state == State::wanted ? wanted_ | bit : wanted_ & ~bit;
 }
 
 std::optional<ChunkPlan::Slot> ChunkPlan::slotOf(Chunk chunk) const {
     if (chunk < 0) return std::nullopt;
+    const Slot likely = likelySlots_[static_cast<std::size_t>(chunk) % likelySlots_.size()];
+    if (chunks_[likely] == chunk) return likely;
     const auto found = std::ranges::find(chunks_, chunk);
     if (found == chunks_.end()) return std::nullopt;
     return static_cast<Slot>(found - chunks_.begin());
@@ -151,8 +159,9 @@ std::optional<ChunkPlan::Slot> ChunkPlan::claim(Chunk chunk, int distance, Time 
     }
     if (!best) return std::nullopt;
     chunks_[*best] = chunk;
+    likelySlots_[static_cast<std::size_t>(chunk) % likelySlots_.size()] = static_cast<std::uint8_t>(*best);
     places_[*best] = Place{};
-    places_[*best].state = State::wanted;
+    setState(*best, State::wanted);
     places_[*best].distance = distance;
     return best;
 }
@@ -170,15 +179,14 @@ std::optional<int> ChunkPlan::costOfReplacing(const Place& place, int distance, 
 
 /// A file that is slow to come must not go on with what was wanted before a jump.
 void ChunkPlan::dropOutdated() {
-    for (Slot slot = 0; slot < slotCount; ++slot) {
-        if (places_[slot].state != State::wanted || lastTime_ - places_[slot].lastUseTime <= wantLife)
-            continue;
-        vacate(slot);
-    }
+    forEachWanted([this](Slot slot) {
+        if (lastTime_ - places_[slot].lastUseTime > wantLife) vacate(slot);
+    });
 }
 
 void ChunkPlan::vacate(Slot slot) {
     places_[slot] = Place{};
+    setState(slot, State::empty);
     chunks_[slot] = none;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <bit>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -64,7 +65,7 @@ class ChunkPlan {
     std::optional<Fetch> beginFetch();
     void endFetch(Slot slot, bool isComplete, Time now);
     [[nodiscard]] bool hasDemand() const;
-    [[nodiscard]] bool hasWork() const;
+    [[nodiscard]] bool hasWork() const { return wanted_ != 0; }
 
   private:
     static constexpr Chunk none = -1;
@@ -87,10 +88,16 @@ class ChunkPlan {
         Time fetchTime{0};
     };
 
+    /// Calls `use` with each slot whose chunk is wanted.
+    template <class Use>
+    void forEachWanted(Use&& use) const {
+        for (auto left = wanted_; left != 0; left &= left - 1) use(static_cast<Slot>(std::countr_zero(left)));
+    }
+    void setState(Slot slot, State state);
     [[nodiscard]] std::optional<Slot> slotOf(Chunk chunk) const;
     [[nodiscard]] int directionOfEntry(Chunk chunk) const;
-    /// Play is in this chunk, in the course of a read. Null when no place can be had for it.
-    Place* enter(Chunk chunk, Range read, Time now);
+    /// Play is in this chunk, in the course of a read. Nothing when no place can be had for it.
+    std::optional<Slot> enter(Chunk chunk, Range read, Time now);
     void use(Place& place, Time now);
     void wantAhead(Chunk chunk, int distance, int direction, Time now);
     std::optional<Slot> claim(Chunk chunk, int distance, Time now);
@@ -102,6 +109,10 @@ class ChunkPlan {
     /// What is in each place.
     std::array<Chunk, slotCount> chunks_{};
     std::array<Place, slotCount> places_{};
+    /// One bit for each slot whose chunk is wanted.
+    std::uint64_t wanted_ = 0;
+    /// Where a chunk may be, by the last bits of its number, which saves looking for it.
+    std::array<std::uint8_t, 64> likelySlots_{};
     std::uint64_t uses_ = 0;
     Time lastTime_{0};
 };

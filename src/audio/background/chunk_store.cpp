@@ -2,36 +2,31 @@
 
 namespace orbinex {
 
-bool ChunkStore::bring(Range chunks) {
-    bool isMissing = false;
-    bool hasWork = false;
-    bool mayWait = false;
-    {
-        const std::lock_guard lock(mutex_);
-        isMissing = !plan_.read(chunks, workers_->now());
-        hasWork = plan_.hasWork();
-        mayWait = !hasGivenUp_;
-    }
-    if (!hasWork && !isMissing) return true;
-    workers_->post(shared_from_this(), isMissing ? Urgency::urgent : Urgency::ordinary);
-    if (!isMissing) return true;
-    if (!mayWait) return false;
+bool ChunkStore::isAtHand(Range chunks, std::unique_lock<std::mutex>& lock) {
+    const bool isAtHand = plan_.read(chunks, workers_->now());
+    if (isAtHand && !plan_.hasWork()) return true;
+    lock.unlock();
+    workers_->post(shared_from_this(), isAtHand ? Urgency::ordinary : Urgency::urgent);
+    lock.lock();
+    return isAtHand;
+}
+
+bool ChunkStore::bring(Range chunks, std::unique_lock<std::mutex>& lock) {
+    if (hasGivenUp_) return false;
+    lock.unlock();
     const bool isThere = workers_->waitFor([this, chunks] {
-        const std::lock_guard lock(mutex_);
+        const std::lock_guard again(mutex_);
         return plan_.areAtHand(chunks);
     });
-    if (isThere) return true;
-    const std::lock_guard lock(mutex_);
-    hasGivenUp_ = !workers_->isWorkerThread();
-    return false;
+    lock.lock();
+    if (!isThere) hasGivenUp_ = !workers_->isWorkerThread();
+    return isThere;
 }
 
 bool ChunkStore::bringAgain(Range chunks) {
-    {
-        const std::lock_guard lock(mutex_);
-        plan_.lose(chunks);
-    }
-    return bring(chunks);
+    std::unique_lock lock(mutex_);
+    plan_.lose(chunks);
+    return isAtHand(chunks, lock) || bring(chunks, lock);
 }
 
 void ChunkStore::loseAll() {

@@ -21,26 +21,26 @@ class ChunkStore : public MediaTask {
     ChunkStore(std::shared_ptr<MediaWorkers> workers, Chunk chunkCount)
         : workers_(std::move(workers)), plan_(chunkCount) {}
 
-    /// Fetches the chunks unless they are at hand, and waits for them while it may. A
-    /// file that has kept a reader waiting in vain makes nobody wait before it has brought something. True
-    /// when all are at hand in the end.
-    bool bring(Range chunks);
-    /// The same for chunks that turned out not to be at hand any more.
-    bool bringAgain(Range chunks);
-    /// None of the chunks is at hand any more.
-    void loseAll();
-    /// Fetches what lies ahead of these chunks, which were read without having been asked for.
-    void noteRead(Range chunks);
-    /// Calls `use` with the slot of each chunk as long as they are at hand and it
-    /// returns true. Nothing is fetched into the slots meanwhile; be quick.
+    /// Fetches the chunks unless they are at hand, and waits for them while it may. A file that has kept a
+    /// reader waiting in vain makes nobody wait before it has brought something. Calls `use` with the slot of
+    /// each chunk as long as they are at hand in the end and it returns true. Nothing is fetched into the
+    /// slots meanwhile; be quick.
     template <class Use>
-    void visit(Range chunks, Use&& use) const {
-        const std::lock_guard lock(mutex_);
+    void read(Range chunks, Use&& use) {
+        std::unique_lock lock(mutex_);
+        if (!isAtHand(chunks, lock)) bring(chunks, lock);
         for (Chunk chunk = chunks.first; chunk <= chunks.last; ++chunk) {
             const auto slot = plan_.find(chunk);
             if (!slot || !use(chunk, *slot)) return;
         }
     }
+    /// Fetches the chunks, which turned out not to be at hand any more, and waits for them in the same way.
+    /// True when all are at hand in the end.
+    bool bringAgain(Range chunks);
+    /// None of the chunks is at hand any more.
+    void loseAll();
+    /// Fetches what lies ahead of these chunks, which were read without having been asked for.
+    void noteRead(Range chunks);
     /// Ends its work, once the step that it may be at has ended.
     void close();
 
@@ -55,8 +55,14 @@ class ChunkStore : public MediaTask {
     virtual bool fetch(const ChunkPlan::Fetch& fetch) = 0;
     bool fetchIfPossible(const ChunkPlan::Fetch& next);
 
+    /// Tells the plan that the chunks are read, and the workers of what that makes to fetch. With `mutex_`
+    /// held, which is let go of for the workers.
+    bool isAtHand(Range chunks, std::unique_lock<std::mutex>& lock);
+    /// Waits for chunks that are on their way.
+    bool bring(Range chunks, std::unique_lock<std::mutex>& lock);
+
     std::shared_ptr<MediaWorkers> workers_;
-    mutable std::mutex mutex_;
+    std::mutex mutex_;
     ChunkPlan plan_;
     bool hasGivenUp_ = false;
     bool isClosed_ = false;

@@ -76,9 +76,8 @@ std::size_t ChunkedAudioFile::Decoding::read(std::int64_t start, std::size_t cou
                                              std::span<std::byte> out) {
     const auto frames = static_cast<std::int64_t>(chunkFrames());
     const Range chunks{start / frames, (start + static_cast<std::int64_t>(count) - 1) / frames};
-    bring(chunks);
     std::size_t done = 0;
-    visit(chunks, [&](Chunk chunk, Slot slot) {
+    ChunkStore::read(chunks, [&](Chunk chunk, Slot slot) {
         const auto first = static_cast<std::size_t>(start + static_cast<std::int64_t>(done) - chunk * frames);
         const auto wanted = std::min(count - done, chunkFrames() - first);
         const auto copied = copy(slot, first, wanted, out.data() + done * frameBytes_);

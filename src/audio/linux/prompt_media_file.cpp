@@ -84,9 +84,8 @@ bool PromptMediaFile::Blocks::copyBlock(Slot slot, std::uint64_t offset) {
 
 std::size_t PromptMediaFile::Blocks::readCopies(std::uint64_t offset, std::span<std::uint8_t> bytes) {
     const Range blocks = blocksOf(offset, bytes.size());
-    bring(blocks);
     std::size_t done = 0;
-    visit(blocks, [&](Chunk, Slot slot) {
+    ChunkStore::read(blocks, [&](Chunk, Slot slot) {
         const auto begin = static_cast<std::size_t>((offset + done) % blockBytes);
         const auto wanted = std::min(bytes.size() - done, blockBytes - begin);
         const auto copied = std::min(wanted, std::max(lengths_[slot], begin) - begin);
