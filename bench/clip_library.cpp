@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <fstream>
 #include <random>
 #include <sndfile.hh>
 #include <stdexcept>
@@ -35,6 +36,29 @@ std::string ClipLibrary::clip(const std::string& extension, const std::string& o
     const std::string command = "ffmpeg -v error -nostdin -y -i '" + (folder_ / "clip.wav").string() + "' " +
                                 options + " '" + path.string() + "'";
     if (std::system(command.c_str()) != 0) throw std::runtime_error(extension + " cannot be made");
+    return path;
+}
+
+std::string ClipLibrary::longClip(const std::string& clip, int seconds) const {
+    const auto path = folder_ / ("long" + std::filesystem::path(clip).extension().string());
+    const std::string command = "ffmpeg -v error -nostdin -y -stream_loop " +
+                                std::to_string(seconds / seconds_) + " -i '" + clip + "' -t " +
+                                std::to_string(seconds) + " -c copy '" + path.string() + "'";
+    if (std::system(command.c_str()) != 0) throw std::runtime_error(path.string() + " cannot be made");
+    return path;
+}
+
+std::string ClipLibrary::sparseWav(std::uint64_t bytes) const {
+    const auto path = folder_ / ("sparse" + std::to_string(bytes) + ".wav");
+    const std::vector<short> second(2 * sampleRate, 1000);
+    SndfileHandle(path.string(), SFM_WRITE, SF_FORMAT_RF64 | SF_FORMAT_PCM_16, 2, sampleRate)
+        .write(second.data(), static_cast<sf_count_t>(second.size()));
+    std::filesystem::resize_file(path, bytes);
+    // Behind the head's first chunk come the lengths of the file, of the samples in bytes, and in frames.
+    const std::uint64_t lengths[] = {bytes - 8, bytes - 128, (bytes - 128) / 4};
+    std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
+    file.seekp(20);
+    file.write(reinterpret_cast<const char*>(lengths), sizeof lengths);
     return path;
 }
 

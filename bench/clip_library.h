@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -21,6 +22,10 @@ class ClipLibrary {
     /// The sound in a container, by its extension, with the encoder's options for the ffmpeg command. Throws
     /// std::runtime_error when it cannot be made.
     [[nodiscard]] std::string clip(const std::string& extension, const std::string& options = {}) const;
+    /// The same clip again and again for this many seconds, without encoding it again.
+    [[nodiscard]] std::string longClip(const std::string& clip, int seconds) const;
+    /// A WAV file that is silent for so many bytes behind its first second, of which the disk holds nothing.
+    [[nodiscard]] std::string sparseWav(std::uint64_t bytes) const;
     /// So many files of it.
     [[nodiscard]] std::vector<std::string> copies(const std::string& clip, std::size_t count) const;
 

@@ -23,6 +23,7 @@
 #include "audio/fairlight_audio_meter_engine.h"
 #include "audio/linux/linux_clip_media.h"
 #include "clip_library.h"
+#include "median.h"
 #include "window_reader.h"
 
 namespace orbinex {
@@ -52,6 +53,8 @@ struct Transport {
     bool isPlaying;
     /// Where the playhead is at a tick, in sample frames of the media.
     std::function<std::int64_t(int tick)> position;
+    /// Ticks from one jump to the next; 0 without.
+    int ticksPerJump = 0;
 };
 
 /// The engine as the program has it.
@@ -146,13 +149,10 @@ class PlainLoop {
 struct Cost {
     std::vector<double> processMs;
     std::vector<double> tickMs;
+    /// Of ticks right after a jump.
+    std::vector<double> jumpMs;
     int missed = 0;
 };
-
-double median(std::vector<double> values) {
-    std::ranges::nth_element(values, values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2));
-    return values[values.size() / 2];
-}
 
 template <class Runner>
 void runRound(Runner& runner, const Transport& transport, int firstTick, Cost& cost) {
@@ -164,6 +164,8 @@ void runRound(Runner& runner, const Transport& transport, int firstTick, Cost& c
         const auto start = Clock::now();
         runner.tick(transport.position(tick), transport.isPlaying);
         cost.tickMs.push_back(Milliseconds(Clock::now() - start).count());
+        if (transport.ticksPerJump > 0 && tick % transport.ticksPerJump == 0)
+            cost.jumpMs.push_back(cost.tickMs.back());
         inTicks += processorTime(CLOCK_THREAD_CPUTIME_ID) - before;
         std::this_thread::sleep_for(pause);
     }
@@ -192,11 +194,14 @@ Compared compare(Meters& meters, PlainLoop& plain, const Transport& transport) {
 void print(const char* name, const char* beside, const char* wanted, const Compared& compared) {
     const auto& ours = compared.ours;
     std::printf(
-        "%-26s ours %.3f ms a tick, %s %.3f: ratio %.3f (wanted: %s); the tick itself %.3f, longest %.2f "
-        "ms%s\n",
+        "%-24s ours %.3f ms a tick, %s %.3f: ratio %.3f (wanted: %s); the tick itself %.3f, longest %.2f",
         name, median(ours.processMs), beside, median(compared.plain.processMs), compared.ratio(), wanted,
-        median(ours.tickMs), *std::ranges::max_element(ours.tickMs),
-        ours.missed == 0 ? "" : (", " + std::to_string(ours.missed) + " meters came late").c_str());
+        median(ours.tickMs), *std::ranges::max_element(ours.tickMs));
+    if (!ours.jumpMs.empty())
+        std::printf("; right after a jump %.2f, longest %.2f", median(ours.jumpMs),
+                    *std::ranges::max_element(ours.jumpMs));
+    if (ours.missed > 0) std::printf("; %d meters came late", ours.missed);
+    std::printf("\n");
     std::fflush(stdout);
 }
 
@@ -206,12 +211,14 @@ void compareKind(const ClipLibrary& library, const std::string& clip, const char
     const Transport playing{true, [&](int tick) { return start + tick * tickFrames; }};
     const Transport paused{false, [&](int) { return start + 5 * samplesPerVideoFrame; }};
     // A jump each ten ticks, with some play after it.
-    const Transport jumping{true, [&](int tick) {
+    const Transport jumping{true,
+                            [&](int tick) {
                                 std::mt19937 random(static_cast<unsigned>(tick / 10));
                                 const auto end = (library.seconds() - 4) * ClipLibrary::sampleRate;
                                 return static_cast<std::int64_t>(random()) % end + start +
                                        tick % 10 * tickFrames;
-                            }};
+                            },
+                            10};
     const auto paths = library.copies(clip, 24);
     Meters meters(paths);
     PlainLoop plain(paths, open);
