@@ -219,13 +219,17 @@ int main() {
     try {
         const ClipLibrary library(40);
         loadModule(library);
-        const std::pair<const char*, std::string> kinds[] = {
+        struct Kind {
+            const char* name;
+            std::string clip;
+        };
+        const Kind kinds[] = {
             {"WAV", library.clip(".wav")},
             {"FLAC", library.clip(".flac")},
             {"AAC in MP4", library.clip(".m4a", "-c:a aac -b:a 192k")},
             {"Opus in Ogg", library.clip(".opus", "-c:a libopus -b:a 128k")},
         };
-        for (const auto& [name, clip] : kinds) inChild([&] { holdSources(library, clip, name); });
+        for (const auto& kind : kinds) inChild([&] { holdSources(library, kind.clip, kind.name); });
         openAndSeekAll(library);
         meterWholeFiles(library);
     } catch (const std::runtime_error& error) {
