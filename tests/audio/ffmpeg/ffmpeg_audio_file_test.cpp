@@ -17,7 +17,7 @@ std::unique_ptr<FFmpegAudioFile> open(Bytes bytes) {
 }
 
 int readsOf(Exactness exactness) {
-    return exactness == Exactness::exact ? 250 * rounds : 5 * rounds;
+    return exactness == Exactness::exact ? 250 * rounds : 4 * rounds;
 }
 
 TEST(FFmpegAudioFile, givesTheSamplesOfAStraightDecodeWhereverItReads) {

@@ -161,7 +161,7 @@ TEST(HostileMedia, readsNoMoreOfAFileThanItGrants) {
         std::unique_ptr<MediaFile> media = std::make_unique<EndlessMediaFile>(disc);
         const auto file = FFmpegAudioFile::open(media);
         EXPECT_LE(disc->bytesRead, 130U << 20U) << name;
-        if (file) readAtRandom(*file, 3, 1);
+        if (file) readAtRandom(*file, 3, 0);
         EXPECT_LE(disc->bytesRead, 400U << 20U) << name;
     }
 }
