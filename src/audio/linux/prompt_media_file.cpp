@@ -16,7 +16,8 @@ namespace {
 
 using Access = PosixMediaFile::Access;
 
-constexpr std::size_t blockBytes = 65'536;
+/// Large enough that what lies ahead of many tracks is asked for in a few ticks of many.
+constexpr std::size_t blockBytes = 131'072;
 /// A file system whose page cache has failed so often to have what was just read is not asked for it again.
 constexpr int mostDisappointments = 3;
 
