@@ -239,7 +239,10 @@ NotifierTray::IconFace NotifierTray::iconFace() {
     tip.beginStructure();
     tip >> icon;
     readPictures(tip, [] {});
-    tip >> face.toolTip;
+    QString description;
+    tip >> face.toolTip >> description;
+    // What it was read with is let go of.
+    tip.endStructure();
     int largest = 0;
     readPictures(told["IconPixmap"].value<QDBusArgument>(), [&] {
         if (std::exchange(largest, std::max(largest, width)) >= width) return;
