@@ -12,9 +12,8 @@ namespace orbinex {
 struct KnownEditor {
     /// As it is told, with the identifier spelled as the editor itself does.
     RunningApplication application;
-    /// What its programs and windows are called where applications have no identifiers: in lower case,
-    /// without
-    /// ".exe". A '#' stands for a version, such as "13" or "8.4.0".
+    /// What its programs and windows are called where applications have no identifiers, in lower case and
+    /// without ".exe". A '#' stands for a version, such as "13" or "8.4.0".
     std::vector<std::string_view> names;
 };
 
