@@ -12,8 +12,10 @@ inline constexpr std::chrono::seconds restAfterFailure{1};
 /// And between two calls that are to end the same connection.
 inline constexpr std::chrono::seconds restAfterDisconnect{5};
 
-/// A connection to a bonded device is proven when it has lasted so long, if not before.
-inline constexpr std::chrono::seconds proofTime{3};
+/// A connection to a bonded device is proven when it has lasted so long, if not before by its services. One
+/// that cannot be secured ends by itself within some four seconds; told of earlier, it would look like a
+/// pairing that was refused.
+inline constexpr std::chrono::seconds proofTime{6};
 
 /// How things stand between this computer and one device.
 struct ConnectFacts {

@@ -261,6 +261,33 @@ TEST(BluezConnect, tellsAForgottenPairingFromAPhoneThatIsFarAway) {
     EXPECT_EQ(world.take(), Lines{"connected"});
 }
 
+TEST(BluezConnect, asksABondedPhoneAgainThatDropsTheLinkBeforeItTellsItsServices) {
+    BluezWorld world;
+    world.establish();
+    world.bluez.drop(world.phone);
+    world.discover();
+    world.take();
+    const auto linkOnly = [&](const QDBusMessage& call) {
+        world.bluez.change(world.phone.path, Bluez::device, {{"Connected", true}});
+        world.bluez.answer(call);
+    };
+    world.bluez.scripts["Connect"] = linkOnly;
+    world.central->connect(world.iPhone(), Initiative::user);
+    world.run(4s);
+    EXPECT_EQ(world.take(), Lines{});
+    world.bluez.scripts.clear();
+    world.bluez.drop(world.phone);
+    world.run(2s);
+    EXPECT_EQ(world.take(), Lines{"connected"}) << "once its services are told";
+    world.central->cancelConnection(world.id());
+    world.settle();
+    world.take();
+    world.bluez.scripts["Connect"] = linkOnly;
+    world.central->connect(world.iPhone(), Initiative::user);
+    world.run(7s);
+    EXPECT_EQ(world.take(), Lines{"connected"}) << "once it has lasted";
+}
+
 TEST(BluezConnect, failsForGoodOnlyOnWhatWillNotPass) {
     const struct {
         const char* name;
