@@ -27,7 +27,7 @@ class AudioFile {
     [[nodiscard]] virtual bool prefersReadingOn() const = 0;
 
     /// Reads frames from `start` on, at most `count`, what the buffer holds and what the file still has, into
-    /// the buffer's beginning. The buffer was made for sampleType() and channelCount(). Returns how many:
+    /// the buffer's beginning. The buffer was made for sampleType() and no fewer channels. Returns how many:
     /// fewer where the file is damaged, cut short or not at hand in time, 0 when there are none or `start` is
     /// outside the file.
     virtual std::size_t read(std::int64_t start, std::size_t count, PCMBuffer& buffer) = 0;

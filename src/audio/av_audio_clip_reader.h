@@ -32,7 +32,6 @@ class AVAudioClipReader {
     double sampleRate_;
     std::int64_t totalSampleFrames_;
     int channelCount_;
-    PCMBuffer pcmBuffer_;
 };
 
 }  // namespace orbinex
