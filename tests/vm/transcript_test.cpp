@@ -9,9 +9,6 @@ TEST(VmTranscript, isAsExpectedLineByLine) {
     EXPECT_TRUE(isTranscript({}, {}));
     EXPECT_TRUE(isTranscript({"Searching…", "Reconnecting in 3 s…"}, {"Searching…", "Reconnecting in * s…"}));
     EXPECT_TRUE(isTranscript({"abcabd"}, {"*ab*d*"}));
-    EXPECT_TRUE(isTranscript({"Lost", "Connected"}, {"Lost", "?Searching", "Connected"}));
-    EXPECT_TRUE(isTranscript({"Lost", "Searching", "Connected"}, {"Lost", "?Searching", "Connected"}));
-    EXPECT_FALSE(isTranscript({"Searching", "Lost", "Connected"}, {"Lost", "?Searching", "Connected"}));
     EXPECT_FALSE(isTranscript({"Searching…"}, {"Searching"}));
     EXPECT_FALSE(isTranscript({"a", "b"}, {"b", "a"}));
     EXPECT_FALSE(isTranscript({"a"}, {}));

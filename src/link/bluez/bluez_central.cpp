@@ -237,7 +237,11 @@ void BluezCentral::objectChanged(const QString& path, const QString& interface, 
         if (!device) return;
         const bool isHeard = std::ranges::any_of(
             heardProperties, [&](const char* name) { return changed.contains(QLatin1String(name)); });
-        if (isHeard) heard(*device);
+        // First that its connection is gone, which the same signal may tell, and then that it can be had
+        // again.
+        reviewDevice(*device);
+        if (!isHeard) return;
+        heard(*device);
         reviewDevice(*device);
     }
 }

@@ -288,6 +288,20 @@ TEST(BluezConnect, asksABondedPhoneAgainThatDropsTheLinkBeforeItTellsItsServices
     EXPECT_EQ(world.take(), Lines{"connected"}) << "once it has lasted";
 }
 
+TEST(BluezConnect, tellsThatALinkHasEndedBeforeItsPhoneIsDiscoveredAgain) {
+    BluezWorld world;
+    world.connect();
+    world.central->startScan(serviceUUID);
+    world.run(1s);
+    world.take();
+    // bluetoothd puts what changes at a time into one signal.
+    world.bluez.change(
+        world.phone.path, Bluez::device,
+        {{"Connected", false}, {"ServicesResolved", false}, {"RSSI", QVariant::fromValue<short>(-60)}});
+    world.settle();
+    EXPECT_EQ(world.take(), (Lines{"disconnected", "discovered " + world.phone.name.toStdString()}));
+}
+
 TEST(BluezConnect, failsForGoodOnlyOnWhatWillNotPass) {
     const struct {
         const char* name;
