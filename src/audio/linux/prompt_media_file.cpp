@@ -16,7 +16,7 @@ namespace {
 
 using Access = PosixMediaFile::Access;
 
-/// Large enough that what lies ahead of many tracks is asked for in a few ticks of many.
+/// Asked for at a time, which is so much that a track that plays needs more in few of its ticks.
 constexpr std::size_t blockBytes = 131'072;
 /// A file system whose page cache has failed so often to have what was just read is not asked for it again.
 constexpr int mostDisappointments = 3;
