@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
@@ -11,6 +12,7 @@
 #include <thread>
 #include <vector>
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/prctl.h>
@@ -139,12 +141,19 @@ class NamedProcess {
     NamedProcess(const std::string& name, const TemporaryFolder& processes) {
         const fs::path program = folder_.path() / name;
         fs::copy_file("/bin/sleep", program);
+        // Its other end is closed by what is executed: until then, the process still is this test by name.
+        std::array<int, 2> executed{};
+        EXPECT_EQ(::pipe2(executed.data(), O_CLOEXEC), 0);
         pid_ = ::fork();
         if (pid_ == 0) {
             ::prctl(PR_SET_PDEATHSIG, SIGKILL);
             ::execl(program.c_str(), name.c_str(), "600", static_cast<char*>(nullptr));
             ::_exit(127);
         }
+        ::close(executed[1]);
+        char nothing = 0;
+        EXPECT_EQ(::read(executed[0], &nothing, 1), 0);
+        ::close(executed[0]);
         const std::string number = std::to_string(pid_);
         fs::create_symlink("/proc/" + number, processes.path() / number);
     }
@@ -320,7 +329,6 @@ TEST_F(X11WorkspaceTest, keepsTheApplicationWhileItsWindowsTakeTurns) {
 
 TEST_F(X11WorkspaceTest, knowsEditorsByTheirProcesses) {
     NamedProcess before("ProTools.exe", processes);
-    // The executable is the shell's until it becomes the editor's.
     open(false);
     ASSERT_TRUE(waitUntil([this] { return running() == Names{"com.avid.ProTools"}; },
                           std::chrono::milliseconds(100)));
