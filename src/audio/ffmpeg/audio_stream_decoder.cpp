@@ -18,13 +18,14 @@ namespace {
 /// Containers that hold audio themselves. Lists of other files, manifests and series of pictures are not
 /// among them.
 constexpr auto allowedContainers =
-    "mov,mp4,m4a,3gp,3g2,mj2,matroska,webm,mxf,mpegts,avi,ogg,flac,mp3,aac,ac3,eac3,wav,w64,aiff,caf";
+    "mov,mp4,m4a,3gp,3g2,mj2,matroska,webm,mxf,mpegts,mpeg,gxf,avi,ogg,flac,mp3,aac,ac3,eac3,wav,w64,aiff,"
+    "caf,wv";
 /// Decoders of audio. Without those of pictures nothing looks into them while a file is opened.
 constexpr auto allowedDecoders =
     "aac,alac,flac,opus,vorbis,mp3float,mp3,mp2float,mp2,ac3,eac3,dca,truehd,mlp,wavpack,"
     "pcm_u8,pcm_s8,pcm_s16le,pcm_s16be,pcm_s24le,pcm_s24be,pcm_s32le,pcm_s32be,pcm_f32le,pcm_f32be,"
     "pcm_f64le,pcm_f64be,pcm_alaw,pcm_mulaw,pcm_bluray,pcm_s16le_planar,pcm_s24le_planar,pcm_s32le_planar,"
-    "adpcm_ima_qt,adpcm_ima_wav,adpcm_ms";
+    "pcm_dvd,s302m,adpcm_ima_qt,adpcm_ima_wav,adpcm_ms";
 /// No protocol has this name.
 constexpr auto allowedProtocols = "none";
 
@@ -66,6 +67,11 @@ AVStream* firstAudioStream(const AVFormatContext& format) {
         format.streams[i]->discard = isWanted ? AVDISCARD_DEFAULT : AVDISCARD_ALL;
     }
     return found;
+}
+
+/// Of the two decoders of MPEG's second layer the one whose samples do not depend on those before.
+const AVCodec* findDecoder(AVCodecID id) {
+    return id == AV_CODEC_ID_MP2 ? avcodec_find_decoder_by_name("mp2float") : avcodec_find_decoder(id);
 }
 
 std::uint64_t listedPackets(const AVFormatContext& format) {
@@ -143,7 +149,7 @@ bool AudioStreamDecoder::findStream() {
 }
 
 bool AudioStreamDecoder::openDecoder() {
-    const AVCodec* codec = avcodec_find_decoder(stream_->codecpar->codec_id);
+    const AVCodec* codec = findDecoder(stream_->codecpar->codec_id);
     if (!codec) return false;
     codec_.reset(avcodec_alloc_context3(codec));
     if (!codec_ || avcodec_parameters_to_context(codec_.get(), stream_->codecpar) < 0) return false;
@@ -159,6 +165,22 @@ std::optional<std::int64_t> AudioStreamDecoder::duration() const {
     if (stream_->duration != AV_NOPTS_VALUE && stream_->duration > 0) return stream_->duration;
     if (format_->duration != AV_NOPTS_VALUE && format_->duration > 0)
         return av_rescale_q(format_->duration, AVRational{1, AV_TIME_BASE}, stream_->time_base);
+    return std::nullopt;
+}
+
+std::optional<std::int64_t> AudioStreamDecoder::startOfMovie() const {
+    if (!std::string_view(format_->iformat->name).starts_with("mov,")) return std::nullopt;
+    for (unsigned i = 0; i < format_->nb_streams; ++i) {
+        AVStream* const stream = format_->streams[i];
+        if (stream->codecpar->codec_type != AVMEDIA_TYPE_VIDEO ||
+            (stream->disposition & AV_DISPOSITION_ATTACHED_PIC) != 0)
+            continue;
+        // What is shown at 0 may be decoded before.
+        const AVIndexEntry* const first = avformat_index_get_entry(stream, 0);
+        if (first)
+            return av_rescale_q(std::max<std::int64_t>(first->timestamp, 0), stream->time_base,
+                                stream_->time_base);
+    }
     return std::nullopt;
 }
 

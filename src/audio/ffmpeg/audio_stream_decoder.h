@@ -37,6 +37,9 @@ class AudioStreamDecoder {
     /// The container's word for how long the stream is, in its time base; nothing when it has none.
     [[nodiscard]] std::optional<std::int64_t> duration() const;
 
+    /// Where MOV and its kin with pictures begin, in the stream's time base; nothing for all else.
+    [[nodiscard]] std::optional<std::int64_t> startOfMovie() const;
+
     /// True for Ogg, whose packets have no timestamps of their own. Near the end they are right only when
     /// reading began a few pages before.
     [[nodiscard]] bool isOgg() const;

@@ -8,6 +8,9 @@ namespace orbinex {
 
 namespace {
 
+/// In frames.
+constexpr std::int64_t longestVorbisBlock = 8192;
+
 bool isLossless(AVCodecID codec) {
     const AVCodecDescriptor* descriptor = avcodec_descriptor_get(codec);
     return descriptor && (descriptor->props & AV_CODEC_PROP_LOSSY) == 0;
@@ -20,8 +23,9 @@ std::int64_t decoderPreRoll(AVCodecID codec, std::int64_t frameSize) {
         // Each block is added to the end of the one before.
         case AV_CODEC_ID_AAC:
         case AV_CODEC_ID_AC3:
-        case AV_CODEC_ID_EAC3:
-        case AV_CODEC_ID_VORBIS: return 2 * frameSize;
+        case AV_CODEC_ID_EAC3: return 2 * frameSize;
+        // The same, whatever the length of the first: two of the longest, which last half of a block each.
+        case AV_CODEC_ID_VORBIS: return longestVorbisBlock;
         // A frame's bits may begin several frames earlier, the more the lower the bit rate.
         case AV_CODEC_ID_MP1:
         case AV_CODEC_ID_MP2:
@@ -30,6 +34,14 @@ std::int64_t decoderPreRoll(AVCodecID codec, std::int64_t frameSize) {
         case AV_CODEC_ID_OPUS: return 48000;
         default: return isLossless(codec) ? 0 : 4 * frameSize;
     }
+}
+
+std::int64_t timestampLateness(AVCodecID codec) {
+    return codec == AV_CODEC_ID_VORBIS ? longestVorbisBlock / 4 : 0;
+}
+
+bool cutsFirstFrameAfterSeek(AVCodecID codec) {
+    return codec == AV_CODEC_ID_VORBIS;
 }
 
 std::int64_t decoderStep(AVCodecID codec, int sampleRate, std::int64_t frameSize) {

@@ -31,6 +31,8 @@ constexpr int framesOfRead = 20'000;
 constexpr std::uint64_t fewestBytesOfRead = 8U << 20U;
 /// Packets at the beginning among which the pattern of their lengths is looked for.
 constexpr std::size_t packetsOfPattern = 32;
+/// Of sound in a movie, in frames: an hour and more. What tells more lies.
+constexpr std::int64_t latestBeginning = std::int64_t{1} << 30;
 
 }  // namespace
 
@@ -81,19 +83,29 @@ bool FFmpegAudioFile::takeFirstFrame() {
     channelCount_ = std::min(frame.ch_layout.nb_channels, 2);
     sampleType_ = sampleTypeOf(frame);
     preRoll_ = decoderPreRoll(codec, frame.nb_samples);
+    cutsFirstFrameAfterSeek_ = cutsFirstFrameAfterSeek(codec);
+    const auto timeBase = decoder_->stream().time_base;
+    if (const auto start = decoder_->startOfMovie())
+        audibleFrom_ = std::clamp<std::int64_t>(
+            av_rescale_q(frame.pts - *start, timeBase, {1, sampleRate_}) + skipped, 0, latestBeginning);
     firstTimestamp_ = frame.pts;
-    skipped_ = skipped;
-    firstPosition_ = -(skipped + before);
+    skipped_ = skipped - audibleFrom_;
+    firstPosition_ = -(skipped_ + before);
     const auto step = decoderStep(codec, sampleRate_, frame.nb_samples);
     placement_ = placementBy({&step, 1});
-    placed_ = Placed{-skipped, -skipped, length - skipped};
-    exactFrom_ = firstPosition_;
+    placed_ = Placed{std::min<std::int64_t>(-skipped_, 0), -skipped_, length - skipped_};
+    exactFrom_ = std::min<std::int64_t>(firstPosition_, 0);
     return true;
 }
 
 FramePlacement FFmpegAudioFile::placementBy(std::span<const std::int64_t> steps) const {
     const auto timeBase = decoder_->stream().time_base;
-    return {{timeBase.num, timeBase.den}, sampleRate_, firstTimestamp_, skipped_, steps};
+    return {{timeBase.num, timeBase.den},
+            sampleRate_,
+            firstTimestamp_,
+            skipped_,
+            steps,
+            timestampLateness(decoder_->stream().codecpar->codec_id)};
 }
 
 /// Packets of plain samples may last anything, such as one picture each. Their lengths repeat themselves, or
@@ -165,9 +177,10 @@ std::size_t FFmpegAudioFile::read(std::int64_t start, std::size_t count, PCMBuff
     while (done < wanted) {
         const auto position = start + static_cast<std::int64_t>(done);
         if (!reach(position)) break;
-        const auto until = position < placed_->start ? placed_->start : placed_->end;
+        const auto soundFrom = std::clamp(audibleFrom_, placed_->start, placed_->end);
+        const auto until = position < soundFrom ? soundFrom : placed_->end;
         const auto piece = std::min(wanted - done, static_cast<std::size_t>(until - position));
-        if (position < placed_->start)
+        if (position < soundFrom)
             writeSilence(piece, channelCount_, buffer, done);
         else
             copySamples(decoder_->frame(), static_cast<std::size_t>(position - placed_->start), piece,
@@ -212,7 +225,9 @@ bool FFmpegAudioFile::seekTo(std::int64_t position) {
 
 bool FFmpegAudioFile::seekBefore(std::int64_t position) {
     placed_.reset();
-    return decoder_->seek(placement_->timestampBefore(position)) && placeNext();
+    if (!decoder_->seek(placement_->timestampBefore(position))) return false;
+    if (cutsFirstFrameAfterSeek_ && !decoder_->decodeNext()) return false;
+    return placeNext();
 }
 
 bool FFmpegAudioFile::startOver() {
@@ -221,7 +236,8 @@ bool FFmpegAudioFile::startOver() {
     if (!isAtFirst || placed_->start > firstPosition_) {
         if (decoder_->hasStopped() || !media_ || !openAnew()) return false;
     }
-    exactFrom_ = firstPosition_;
+    placed_->silenceFrom = std::min<std::int64_t>(placed_->start, 0);
+    exactFrom_ = std::min<std::int64_t>(firstPosition_, 0);
     return true;
 }
 
@@ -235,7 +251,9 @@ bool FFmpegAudioFile::placeNext() {
         const auto start =
             timestamp == AV_NOPTS_VALUE ? *expected : placement_->position(timestamp, expected);
         const auto end = start + decoder_->frameLength();
-        const auto silenceFrom = expected.value_or(start);
+        // Of two timestamps that contradict each other before anything is heard the earlier one is right.
+        const bool wasLate = expected && start < *expected && *expected < exactFrom_;
+        const auto silenceFrom = wasLate ? start : expected.value_or(start);
         if (end <= silenceFrom) continue;
         placed_ = Placed{silenceFrom, start, end};
         return true;

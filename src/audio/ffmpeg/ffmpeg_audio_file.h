@@ -14,7 +14,8 @@ class AudioStreamDecoder;
 
 /// The first audio stream of what FFmpeg's libraries read: MP4, MOV, Matroska, MXF, AVI, MPEG transport
 /// streams, Ogg, plain AAC and more. Samples are placed by their timestamps, so that they are the same
-/// wherever reading began; where the stream has none there is silence.
+/// wherever reading began; where the stream has none there is silence. Position 0 is the first sample, in MOV
+/// and MP4 with pictures where the movie begins.
 class FFmpegAudioFile final : public AudioFile {
   public:
     /// Nothing when the file has no audio stream that can be decoded; `media` is then left where it is, and
@@ -64,10 +65,13 @@ class FFmpegAudioFile final : public AudioFile {
     int channelCount_ = 0;
     SampleType sampleType_ = SampleType::float32;
     std::int64_t preRoll_ = 0;
+    bool cutsFirstFrameAfterSeek_ = false;
+    /// Where sound begins: behind 0 when the file has pictures before it.
+    std::int64_t audibleFrom_ = 0;
     /// Of the first frame that is heard, and how many of its samples are not.
     std::int64_t firstTimestamp_ = 0;
     std::int64_t skipped_ = 0;
-    /// Where the first frame that is decoded begins: at 0 or below.
+    /// Where the first frame that is decoded begins: at `audibleFrom_` or below.
     std::int64_t firstPosition_ = 0;
     std::int64_t totalSampleFrames_ = 0;
     /// Where the last packet begins.

@@ -22,8 +22,13 @@ std::int64_t bounded(std::int64_t value) {
 }  // namespace
 
 FramePlacement::FramePlacement(TimeBase timeBase, int sampleRate, std::int64_t firstTimestamp,
-                               std::int64_t skipped, std::span<const std::int64_t> steps)
-    : timeBase_(timeBase), sampleRate_(sampleRate), firstTimestamp_(firstTimestamp), skipped_(skipped) {
+                               std::int64_t skipped, std::span<const std::int64_t> steps,
+                               std::int64_t lateness)
+    : timeBase_(timeBase),
+      sampleRate_(sampleRate),
+      lateness_(lateness),
+      firstTimestamp_(firstTimestamp),
+      skipped_(skipped) {
     if (!needsSteps(timeBase, sampleRate)) return;
     // Two timestamps make a distance, and each was rounded.
     tolerance_ = 2 + 2 * av_rescale_rnd(timeBase.numerator, sampleRate, timeBase.denominator, AV_ROUND_UP);
@@ -41,7 +46,8 @@ std::int64_t FramePlacement::position(std::int64_t timestamp, std::optional<std:
     const AVRational to{1, sampleRate_};
     const auto distance = bounded(av_rescale_q(bounded(timestamp) - bounded(firstTimestamp_), from, to));
     const auto found = distance - skipped_;
-    if (expected && std::abs(found - *expected) <= tolerance_) return *expected;
+    if (expected && found >= *expected - tolerance_ && found <= *expected + tolerance_ + lateness_)
+        return *expected;
     return nearestBeginning(distance) - skipped_;
 }
 

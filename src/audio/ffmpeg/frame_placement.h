@@ -20,9 +20,10 @@ class FramePlacement {
     /// `firstTimestamp` is that of the first decoded frame that is heard, of whose samples `skipped` at its
     /// beginning are not. `steps`, each above 0, are those from one place where a frame may begin to the
     /// next, from there on, over and over; with timestamps as coarse as milliseconds they restore what these
-    /// round away. None when frames may begin anywhere.
+    /// round away. None when frames may begin anywhere. A timestamp may be up to `lateness` frames after the
+    /// truth.
     FramePlacement(TimeBase timeBase, int sampleRate, std::int64_t firstTimestamp, std::int64_t skipped,
-                   std::span<const std::int64_t> steps);
+                   std::span<const std::int64_t> steps, std::int64_t lateness = 0);
 
     /// True when timestamps do not tell every frame of samples apart, so that the steps matter.
     static bool needsSteps(TimeBase timeBase, int sampleRate);
@@ -39,6 +40,7 @@ class FramePlacement {
 
     TimeBase timeBase_;
     int sampleRate_;
+    std::int64_t lateness_;
     std::int64_t firstTimestamp_;
     std::int64_t skipped_;
     /// Where frames may begin, from 0 to where it begins anew; none when anywhere.

@@ -17,7 +17,7 @@ std::unique_ptr<FFmpegAudioFile> open(Bytes bytes) {
 }
 
 int readsOf(Exactness exactness) {
-    return exactness == Exactness::exact ? 250 * rounds : 4 * rounds;
+    return exactness == Exactness::exact ? 100 * rounds : 4 * rounds;
 }
 
 TEST(FFmpegAudioFile, givesTheSamplesOfAStraightDecodeWhereverItReads) {
@@ -30,9 +30,10 @@ TEST(FFmpegAudioFile, givesTheSamplesOfAStraightDecodeWhereverItReads) {
         EXPECT_EQ(file->totalSampleFrames(), medium.straight.length());
         const auto is = [&medium](std::string_view kind) { return medium.name.starts_with(kind); };
         EXPECT_EQ(file->sampleType() == SampleType::int16,
-                  is("s16") || is("alac.") || is("alaw") || is("mulaw"));
+                  is("s16") || is("alac.") || is("alaw") || is("mulaw") || is("ima4"));
         if (medium.exactness == Exactness::madeUpNoise) continue;
-        EXPECT_EQ(differenceOfReads(*file, medium.straight, readsOf(medium.exactness)), 0);
+        const float difference = medium.exactness == Exactness::coarse ? 128.0F / 32768 : 0;
+        EXPECT_LE(differenceOfReads(*file, medium.straight, readsOf(medium.exactness)), difference);
     }
 }
 

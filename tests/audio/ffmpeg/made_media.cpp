@@ -18,6 +18,11 @@ struct Source {
     int channelCount;
 };
 const Source sources[] = {{48000, 2}, {44100, 2}, {96000, 1}, {48000, 6}, {48000, 1}, {22050, 1}};
+/// Blows in a quiet tone, which encoders cut into short blocks: the source behind those.
+constexpr std::size_t blows = std::size(sources);
+constexpr auto blowsInput =
+    R"( -f lavfi -i "aevalsrc='0.7*sin(2*PI*200*t)*exp(-25*mod(t,0.25))+0.02*sin(2*PI*3000*t)|)"
+    R"(0.6*sin(2*PI*300*t)*exp(-30*mod(t,0.17))':s=44100:d=8")";
 
 struct Recipe {
     const char* name;
@@ -28,6 +33,8 @@ struct Recipe {
     bool hasVideo = false;
     /// The packets of another medium, in another container.
     const char* copyOf = nullptr;
+    /// Frames from the beginning of its pictures to that of its sound.
+    std::size_t late = 0;
 };
 const auto costly = Exactness::costly;
 const Recipe recipes[] = {
@@ -39,7 +46,10 @@ const Recipe recipes[] = {
     {"aac-fragments.mp4", 0, "-c:a aac -aac_pns 0 -movflags frag_keyframe+empty_moov -frag_duration 500000"},
     {"aac-cut.mp4", 0, "-ss 1.2345 -c:a aac -aac_pns 0"},
     {"aac-two-streams.mp4", 0, "-map 1:a -c:a aac -aac_pns 0"},
-    {"aac-late.mov", 0, "-c:v mpeg4 -c:a aac -aac_pns 0 -af asetpts=PTS+0.7/TB", Exactness::exact, true},
+    {"aac-late.mov", 0, "-c:v mpeg4 -c:a aac -aac_pns 0 -af asetpts=PTS+0.7/TB", Exactness::exact, true,
+     nullptr, 32'544},
+    {"s16-late.mov", 0, "-c:v mpeg4 -c:a pcm_s16le -af asetpts=PTS+0.25/TB", Exactness::exact, true, nullptr,
+     12'000},
     {"alac.m4a", 0, "-c:a alac -sample_fmt s16p"},
     {"alac-44100.m4a", 1, "-c:a alac -sample_fmt s32p"},
     {"alac-5.1.m4a", 3, "-c:a alac"},
@@ -69,6 +79,14 @@ const Recipe recipes[] = {
     {"opus-mono-96000.ogg", 2, "-c:a libopus", costly},
     {"vorbis.ogg", 1, "-c:a libvorbis"},
     {"vorbis.webm", 0, "-c:a libvorbis"},
+    {"vorbis-blows.ogg", blows, "-c:a libvorbis -q:a 5"},
+    {"vorbis-blows-10.ogg", blows, "-c:a libvorbis -q:a 10 -page_duration 100000"},
+    {"vorbis-blows-cut.ogg", blows, "-ss 0.249 -c:a libvorbis -q:a 3"},
+    {"vorbis-blows.mkv", blows, "-c:a libvorbis -q:a 5"},
+    {"vorbis-blows-copy.webm", blows, "", Exactness::exact, false, "vorbis-blows.ogg"},
+    {"aac-blows.m4a", blows, "-c:a aac -aac_pns 0"},
+    {"mp3-blows.mp3", blows, "-c:a libmp3lame"},
+    {"opus-blows.ogg", blows, "-c:a libopus", costly},
     {"flac.ogg", 0, "-c:a flac", costly},
     {"no-length.flac", 0, "-c:a flac -seekable 0"},
     {"info.mp3", 0, "-c:a libmp3lame -b:a 128k"},
@@ -79,6 +97,14 @@ const Recipe recipes[] = {
     {"mp3.wav", 0, "-c:a libmp3lame"},
     {"aac.aac", 1, "-c:a aac -aac_pns 0"},
     {"aac-video.ts", 1, "-c:v mpeg4 -c:a aac -aac_pns 0", Exactness::exact, true},
+    {"mp2.ts", 0, "-c:a mp2"},
+    {"mp2-blows.mkv", blows, "-c:a mp2 -b:a 96k"},
+    {"mp2-video.mpg", 1, "-c:v mpeg2video -c:a mp2", Exactness::exact, true},
+    {"ac3-video.vob", 0, "-c:v mpeg2video -c:a ac3", Exactness::madeUpNoise, true},
+    {"s302m.ts", 0, "-c:a s302m -strict -2"},
+    {"s16.gxf", 4, "-c:v mpeg2video -s 720x576 -c:a pcm_s16le", Exactness::exact, true},
+    {"wavpack.wv", 1, "-c:a wavpack"},
+    {"ima4.mov", 1, "-c:a adpcm_ima_qt", Exactness::coarse},
     {"s16-video.avi", 0, "-c:v mpeg4 -c:a pcm_s16le", Exactness::exact, true},
     {"mp3-video.avi", 1, "-c:v mpeg4 -c:a libmp3lame", Exactness::exact, true},
 };
@@ -114,8 +140,9 @@ std::vector<MadeMedium> makeMedia() {
         inputs += " -f s32le -ar " + std::to_string(sources[i].sampleRate) + " -ac " +
                   std::to_string(sources[i].channelCount) + " -i " + path;
     }
+    inputs += blowsInput;
     inputs += " -f lavfi -i testsrc=s=64x48:r=25:d=" + std::to_string(seconds);
-    const auto video = std::to_string(std::size(sources));
+    const auto video = std::to_string(blows + 1);
     std::string outputs;
     std::string copyInputs;
     std::string copyOutputs;
@@ -132,9 +159,12 @@ std::vector<MadeMedium> makeMedia() {
             if (recipe.hasVideo) outputs += " -map " + video + ":v";
             outputs += " -map " + std::to_string(recipe.source) + ":a " + recipe.options + " " + path;
         }
-        decodedInputs += " -i " + path;
+        // The command's usual decoder of layer 2 rounds by what it has decoded before.
+        const bool isLayer2 = std::string_view(recipe.name).starts_with("mp2");
+        decodedInputs += (isLayer2 ? " -c:a mp2float -i " : " -i ") + path;
         decodedOutputs += " -map " + std::to_string(media.size()) + ":a:0 -f f32le " + path + ".f32";
-        media.push_back({recipe.name, recipe.exactness, sources[recipe.source].sampleRate, {}, {}});
+        const int sampleRate = recipe.source == blows ? 44100 : sources[recipe.source].sampleRate;
+        media.push_back({recipe.name, recipe.exactness, sampleRate, {}, {}});
     }
     runFFmpeg(inputs + outputs);
     runFFmpeg(copyInputs + copyOutputs);
@@ -145,9 +175,14 @@ std::vector<MadeMedium> makeMedia() {
         // Opus knows one rate only.
         if (media[i].name.starts_with("opus")) media[i].sampleRate = 48000;
         const auto decoded = bytesOf(path + ".f32");
-        media[i].straight.channelCount = sources[recipes[i].source].channelCount;
+        media[i].straight.channelCount =
+            recipes[i].source == blows ? 2 : sources[recipes[i].source].channelCount;
         media[i].straight.samples.resize(decoded.size() / sizeof(float));
         std::memcpy(media[i].straight.samples.data(), decoded.data(), decoded.size());
+        // The command begins with the first sample; in the movie, silence goes before.
+        auto& samples = media[i].straight.samples;
+        samples.insert(samples.begin(),
+                       recipes[i].late * static_cast<std::size_t>(media[i].straight.channelCount), 0.0F);
     }
     return media;
 }

@@ -15,6 +15,8 @@ enum class Exactness {
     costly,
     /// Noise that the decoder makes up is another one after a seek.
     madeUpNoise,
+    /// Packets tell the beginning of their sound to nine bits only.
+    coarse,
 };
 
 /// A media file that the ffmpeg command has made, and what the same command decodes it to.
