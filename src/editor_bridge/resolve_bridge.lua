@@ -1,14 +1,19 @@
--- Runs under the editor's scripting host. Prints what the editor shows, one record a line, and carries out the commands that
--- wait in a file. Lua 5.1; everything is local, and nothing that is read is ever run.
-
 local resolve = bmd.scriptapp("Resolve")
 if not resolve then os.exit(0) end
 local cmdPath = "@COMMAND_FILE@"
+
+-- Runs under the editor's scripting host. Prints what the editor shows, one record a line, and carries out the commands that
+-- wait in a file. Lua 5.1; everything is local, and nothing that is read is ever run. It begins with code: the host is given it
+-- as an argument, which must not look like an option.
 
 local POLL_SECONDS = 0.033
 -- In rounds of the main loop.
 local LOOK_AGAIN = 15
 local DUMP_AGAIN = 18
+-- Calls into the editor that a round may spend on finding clips and on telling of tracks. What takes more goes on in the next
+-- round: where a call takes 0.1 ms, the timecode is still told nine times a second, often enough to see that it moves.
+local SEARCH_CALLS = 200
+local DUMP_CALLS = 600
 local LONGEST_COMMANDS = 1024 * 1024
 -- Editors have fewer; a larger count is a mistake, and the rest goes untold.
 local MOST_TRACKS = 2000
@@ -76,13 +81,28 @@ local function member(object, name)
   return object[name]
 end
 
+-- Calls that the work under way may still make in this round; nothing while there is none.
+local allowance
+
 -- Calls a method of one of the editor's objects. Nothing when there is no such object or method, or when it fails.
 local function call(object, method, ...)
+  if allowance then
+    if allowance == 0 then coroutine.yield() end
+    allowance = allowance - 1
+  end
   local isThere, run = pcall(member, object, method)
   if not isThere or run == nil then return nil end
   local isDone, result = pcall(run, object, ...)
   if isDone then return result end
   return nil
+end
+
+-- Goes on with work that may take several rounds; gives it back until it is done.
+local function continued(work, calls, ...)
+  allowance = calls
+  coroutine.resume(work, ...)
+  allowance = nil
+  return coroutine.status(work) ~= "dead" and work or nil
 end
 
 local function versionLabel()
@@ -97,9 +117,13 @@ local label = versionLabel()
 local timeline
 local rate, timelineName, page = "24", "Timeline", "edit"
 local clipsLinked = 1
+-- The timeline that is open, by the names of its project and its own.
+local openTimeline
 local mustDump = true
--- For each audio track its clips, in order: { item, first = frame, last = frame }.
-local clips = {}
+-- For each audio track its clips, in order: { item, first = frame, last = frame }. Nothing until they have been found.
+local clips
+-- The work that finds them, and that which tells of the tracks.
+local search, dump
 
 local function isPlayable(item)
   if item == nil then return false end
@@ -112,36 +136,48 @@ local function trackCount()
   return math.min(math.max(whole(call(timeline, "GetTrackCount", "audio"), 0), 0), MOST_TRACKS)
 end
 
-local function findClips()
-  clips = {}
-  for track = 1, trackCount() do
-    local list = {}
-    local items = call(timeline, "GetItemListInTrack", "audio", track)
-    for _, item in ipairs(type(items) == "table" and items or {}) do
-      if isPlayable(item) then
-        list[#list + 1] = { item = item, first = number(call(item, "GetStart"), 0), last = number(call(item, "GetEnd"), 0) }
-      end
+local function clipsIn(track)
+  local list = {}
+  local items = call(timeline, "GetItemListInTrack", "audio", track)
+  for _, item in ipairs(type(items) == "table" and items or {}) do
+    if isPlayable(item) then
+      list[#list + 1] = { item = item, first = number(call(item, "GetStart"), 0), last = number(call(item, "GetEnd"), 0) }
     end
-    clips[track] = list
   end
+  return list
 end
 
+local function findClips()
+  local found = {}
+  for track = 1, trackCount() do found[track] = clipsIn(track) end
+  clips = found
+end
+
+-- Until the search is done, what was found before holds.
+local function beginSearch()
+  search = coroutine.create(findClips)
+end
+
+local function goOnSearching()
+  if search and timeline then search = continued(search, SEARCH_CALLS) end
+end
+
+-- Those of a track that is new, or that a command is about before all are known, are looked for alone.
 local function clipsOf(track)
-  if not clips[track] then findClips() end
-  return clips[track] or {}
+  local known = clips and clips[track]
+  return known or (track >= 1 and track <= trackCount() and clipsIn(track)) or {}
 end
 
--- The clip under the playhead, or else the one nearest to it; and whether it is the former.
-local function clipAt(track, playhead)
-  local list = clipsOf(track)
-  if not playhead then return list[1] and list[1].item, false end
+-- Of a track's clips the one under the playhead, or else the one nearest to it; and whether it is the former.
+local function clipAt(list, playhead)
+  if not playhead then return list[1], false end
   local nearest, shortest = list[1], 999999999
   for _, clip in ipairs(list) do
-    if clip.first <= playhead and playhead < clip.last then return clip.item, true end
+    if clip.first <= playhead and playhead < clip.last then return clip, true end
     local distance = math.min(math.abs(playhead - clip.first), math.abs(playhead - clip.last))
     if distance < shortest then nearest, shortest = clip, distance end
   end
-  return nearest and nearest.item, false
+  return nearest, false
 end
 
 local function framesOf(timecode)
@@ -176,9 +212,9 @@ local function trackAt(fields)
 end
 
 local function setOnClip(track, properties)
-  local item = clipAt(track, playhead)
-  for _, property in ipairs(properties) do
-    call(item, "SetProperty", property[1], property[2])
+  local clip = clipAt(clipsOf(track), playhead)
+  for _, property in ipairs(clip and properties or {}) do
+    call(clip.item, "SetProperty", property[1], property[2])
   end
 end
 
@@ -237,7 +273,10 @@ local commands = {
   NEN = { fields = 3, timeline = true, isTold = true, run = function(fields)
     call(call(videoItem(), "GetNodeGraph"), "SetNodeEnabled", whole(fields[2], 1), flagAt(fields, 3, 1))
   end },
-  REFRESH = { fields = 1, isTold = true, run = function() if timeline then findClips() end end },
+  REFRESH = { fields = 1, isTold = true, run = function()
+    beginSearch()
+    goOnSearching()
+  end },
 }
 
 local function runCommand(line)
@@ -246,7 +285,8 @@ local function runCommand(line)
   local command = commands[fields[1]]
   if not command or #fields < command.fields or (command.timeline and not timeline) then return end
   pcall(command.run, fields)
-  if command.isTold then mustDump = true end
+  -- Lines that were made before it would take back what it did.
+  if command.isTold then dump, mustDump = nil, true end
 end
 
 -- Takes the commands that wait. The file lies where everybody may put something: only what can be opened for writing and has an
@@ -284,7 +324,8 @@ local function printLine(...)
 end
 
 -- What the line tells of the clip that is inspected on a track.
-local function inspectClip(line, track, item, isActive)
+local function inspectClip(line, track, clip, isActive)
+  local item = clip.item
   local name = field(call(item, "GetName"), "Clip")
   line.clipName = isActive and name or "[" .. name .. "]"
   line.volume = number(call(item, "GetProperty", "AudioVolume"), 0.0)
@@ -294,15 +335,15 @@ local function inspectClip(line, track, item, isActive)
   line.isLeveled = isOn(call(item, "GetProperty", "AudioDialogueLevelerEnabled"))
   line.gain = number(call(item, "GetProperty", "AudioDialogueLevelerOutputGain"), 0.0)
   if not isActive then return end
-  line.clipStart = whole(call(item, "GetStart"), 0)
+  line.clipStart = whole(clip.first)
   line.sourceStart = whole(call(item, "GetSourceStartFrame") or call(item, "GetLeftOffset"), 0)
   line.clipUID = track .. "_" .. string.format("%d", line.clipStart)
   local path = text(call(call(item, "GetMediaPoolItem"), "GetClipProperty", "File Path"), "")
   line.path = path:gsub("|", "")
 end
 
-local function trackLine(track, count)
-  local item, isActive = clipAt(track, playhead)
+local function trackLine(track, count, at)
+  local clip, isActive = clipAt(clipsOf(track), at)
   local line = { clipName = "Empty", volume = 0.0, pan = 0.0, isolation = 65, gain = 0.0, clipStart = 0, sourceStart = 0,
                  clipUID = "", path = "" }
   local state = call(timeline, "GetVoiceIsolationState", track)
@@ -310,7 +351,7 @@ local function trackLine(track, count)
     line.isIsolated = isOn(state.isEnabled)
     line.isolation = number(state.amount, line.isolation)
   end
-  if item then inspectClip(line, track, item, isActive) end
+  if clip then inspectClip(line, track, clip, isActive) end
   local format = text(call(timeline, "GetTrackSubType", "audio", track), "stereo"):upper():gsub("|", "")
   local function flag(value) return value and 1 or 0 end
   return string.format("OXTRK|%d|%d|%s|%s|%s|%d|%d|%.2f|%.1f|%d|%d|%d|%.1f|%d|%s|%d|%d|%s", track, count,
@@ -323,17 +364,18 @@ end
 
 local lastDump = ""
 
-local function dumpTracks()
+-- As they are while the playhead is at that frame.
+local function dumpTracks(at)
   local count = trackCount()
   local lines = {}
-  for track = 1, count do lines[track] = trackLine(track, count) end
+  for track = 1, count do lines[track] = trackLine(track, count, at) end
   local item = videoItem()
   local clip = field(call(item, "GetName"), "Timeline Clip")
   local nodes = whole(call(call(item, "GetNodeGraph"), "GetNumNodes"), 1)
   -- With whether clips are linked, which only the header tells: an older header may just have told otherwise.
-  local dump = count .. ";" .. clipsLinked .. ";" .. table.concat(lines, ";") .. ";CLR:" .. clip .. ":" .. nodes
-  if dump == lastDump then return end
-  lastDump = dump
+  local text = count .. ";" .. clipsLinked .. ";" .. table.concat(lines, ";") .. ";CLR:" .. clip .. ":" .. nodes
+  if text == lastDump then return end
+  lastDump = text
   printLine("OXHDR|%d|%d|%s|%d", count, clipsLinked, clip, nodes)
   for _, line in ipairs(lines) do io.stdout:write(line, "\n") end
   io.stdout:flush()
@@ -341,9 +383,9 @@ end
 
 local lastReport = ""
 
-local function reportTimecode()
+local function reportTimecode(isForced)
   local report = table.concat({ timecode, timelineName, page, rate }, "\n")
-  if timecode == "" or (report == lastReport and not mustDump) then return end
+  if timecode == "" or (report == lastReport and not isForced) then return end
   lastReport = report
   printLine("OXTC|%s|%s|%s|%s|%s|%d|%d", timecode, rate, label, timelineName, page, clipsLinked, playhead or 0)
   io.stdout:flush()
@@ -351,9 +393,9 @@ end
 
 local function activeClips()
   local parts = {}
-  for track = 1, trackCount() do
-    local item, isActive = clipAt(track, playhead)
-    parts[track] = track .. ":" .. (isActive and tostring(call(item, "GetStart")) or "_")
+  for track, list in ipairs(clips) do
+    local clip, isActive = clipAt(list, playhead)
+    parts[track] = track .. ":" .. (isActive and clip.first or "_")
   end
   return table.concat(parts, ",")
 end
@@ -367,12 +409,17 @@ local function lookAgain()
     resolve = bmd.scriptapp("Resolve")
     if not resolve then os.exit(0) end
   end
-  timeline = call(call(manager, "GetCurrentProject"), "GetCurrentTimeline")
+  local project = call(manager, "GetCurrentProject")
+  timeline = call(project, "GetCurrentTimeline")
   if timeline then
     local setting = call(timeline, "GetSetting", "timelineFrameRate")
     rate = field(type(setting) == "number" and tostring(number(setting, 24)) or setting, "24")
     timelineName = field(call(timeline, "GetName"), "Timeline")
-    findClips()
+    local opened = field(call(project, "GetName"), "") .. "\n" .. timelineName
+    if opened ~= openTimeline then
+      openTimeline, clips, search, dump, mustDump = opened, nil, nil, nil, true
+    end
+    if not search then beginSearch() end
   end
   readPage("edit")
 end
@@ -381,17 +428,19 @@ local lastActive = ""
 
 local function round(tick)
   if tick % LOOK_AGAIN == 0 or not timeline then lookAgain() end
+  goOnSearching()
   readPlayhead("")
   runWaitingCommands()
-  if timeline and playhead then
+  if clips and playhead then
     local active = activeClips()
     if active ~= lastActive then lastActive, mustDump = active, true end
   end
-  reportTimecode()
-  if timeline and (mustDump or tick % DUMP_AGAIN == 0) then
-    mustDump = false
-    dumpTracks()
+  local mayDump = timeline and clips and not dump
+  reportTimecode(mustDump and mayDump)
+  if mayDump and (mustDump or tick % DUMP_AGAIN == 0) then
+    dump, mustDump = coroutine.create(dumpTracks), false
   end
+  if dump and timeline then dump = continued(dump, DUMP_CALLS, playhead) end
 end
 
 local tick = 0

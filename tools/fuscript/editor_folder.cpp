@@ -64,7 +64,9 @@ std::string literal(const EditorSession& session) {
     std::ostringstream text;
     text << "{\n  version = " << literal(session.version) << ",\n  rate = " << literal(session.rate)
          << ",\n  page = " << literal(session.page) << ",\n  hasProject = " << literal(session.hasProject)
-         << ",\n  nodes = " << session.nodes << ",\n";
+         << ",\n  project = " << literal(session.project) << ",\n  nodes = " << session.nodes
+         << ",\n  callSeconds = " << session.callSeconds
+         << ",\n  tellsCalls = " << literal(session.tellsCalls) << ",\n";
     if (session.timeline) text << "  timeline = " << literal(*session.timeline) << ",\n";
     if (session.videoClip) text << "  videoClip = " << literal(*session.videoClip) << ",\n";
     text << "  missing = " << literal(session.missing) << ",\n  failing = " << literal(session.failing)

@@ -41,6 +41,7 @@ struct EditorSession {
     std::string rate = "24";
     std::string page = "edit";
     bool hasProject = true;
+    std::string project = "Film";
     /// The clip that is graded.
     std::optional<std::string> videoClip = "Shot 12";
     int nodes = 3;
@@ -48,6 +49,10 @@ struct EditorSession {
     /// Functions of the interface that this version lacks, and such as fail.
     std::set<std::string> missing = {};
     std::set<std::string> failing = {};
+    /// What each call of it takes, in virtual time.
+    double callSeconds = 0;
+    /// Prints "CALLS n" among what the script prints: so often did it call the editor in the round that ends.
+    bool tellsCalls = false;
 };
 
 /// The folder through which a model of an editor is driven. The model is there, for its scripting host, while

@@ -62,11 +62,14 @@ local function droppedNumbers()
   return session.rate:find("DF", 1, true) and math.floor(frameRate() / 15) or 0
 end
 
+-- How often the editor has been called since the last wait, and the time that calls have taken so far.
+local callCount, secondsInCalls = 0, 0
+
 local function currentFrame()
   local frame, speed, anchor = (readFile("transport") or ""):match("^(%-?%d+) (%-?[%d.]+) (%d+)")
   if not frame then return 0 end
   -- Waits that add up to a frame may be a hair short of it.
-  return math.max(0, frame + math.floor(secondsSince(anchor) * exactRate() * speed + 1e-6))
+  return math.max(0, frame + math.floor((secondsSince(anchor) + secondsInCalls) * exactRate() * speed + 1e-6))
 end
 
 local function setFrame(frame)
@@ -104,7 +107,12 @@ local function object(methods)
     if not session then error("the editor has quit") end
     if (session.missing or {})[name] then return nil end
     if (session.failing or {})[name] then return function() error(name .. " fails") end end
-    return methods[name]
+    local method = methods[name]
+    return method and function(...)
+      callCount = callCount + 1
+      secondsInCalls = secondsInCalls + (session.callSeconds or 0)
+      return method(...)
+    end
   end })
 end
 
@@ -202,7 +210,10 @@ timeline = object({
   end,
 })
 
-project = object({ GetCurrentTimeline = function() return session.timeline and timeline end })
+project = object({
+  GetName = function() return session.project end,
+  GetCurrentTimeline = function() return session.timeline and timeline end,
+})
 manager = object({ GetCurrentProject = function() return session.hasProject ~= false and project or nil end })
 resolve = object({
   GetVersionString = function() return session.version end,
@@ -241,6 +252,8 @@ bmd = {
   end,
   -- The editor may have changed in the meantime, or quit, and its host with it.
   wait = function(seconds)
+    if session.tellsCalls then print("CALLS " .. callCount) end
+    callCount = 0
     wait(seconds)
     look()
     if not session then os.exit(0) end

@@ -55,7 +55,9 @@ bool run(lua_State* state, std::string_view text, const char* name, int argument
 
 int main(int argc, char** argv) {
     const bool isUsual = argc == 5 && std::string_view(argv[1]) == "-l" &&
-                         std::string_view(argv[2]) == "lua" && std::string_view(argv[3]) == "-x";
+                         std::string_view(argv[2]) == "lua" && std::string_view(argv[3]) == "-x" &&
+                         // Else it would be an option, and -x without its script.
+                         !std::string_view(argv[4]).starts_with('-');
     if (!isUsual) {
         std::fputs("usage: fuscript -l lua -x SCRIPT\n", stderr);
         return 2;

@@ -18,11 +18,11 @@ class BridgeScript : public testing::TestWithParam<std::string> {
   protected:
     ScriptRun script{GetParam()};
 
-    /// What it prints in one round about this session, the playhead being at a frame.
-    Lines linesOf(const EditorSession& session, std::int64_t frame = 86'450) {
+    /// What it prints about this session, the playhead being at a frame.
+    Lines linesOf(const EditorSession& session, std::int64_t frame = 86'450, int rounds = 1) {
         script.editor.open(session);
         script.editor.seek(frame);
-        return script.run(1);
+        return script.run(rounds);
     }
 };
 
@@ -63,6 +63,9 @@ TEST_P(BridgeScript, carriesOutEveryCommand) {
          {R"(video:SetCDL({NodeIndex = "2", Offset = "0.1000 0.2000 0.3000", Power = "0.9000 0.9000 0.9000", )"
           R"(Saturation = "1.500", Slope = "1.1000 1.2000 1.3000"}))"}},
         {"CDL",
+         {R"(video:SetCDL({NodeIndex = "1", Offset = "0.0000 0.0000 0.0000", Power = "1.0000 1.0000 1.0000", )"
+          R"(Saturation = "1.000", Slope = "1.0000 1.0000 1.0000"}))"}},
+        {"CDL|1|inf|nan|-nan|-inf|1e999",
          {R"(video:SetCDL({NodeIndex = "1", Offset = "0.0000 0.0000 0.0000", Power = "1.0000 1.0000 1.0000", )"
           R"(Saturation = "1.000", Slope = "1.0000 1.0000 1.0000"}))"}},
         {"NEN|2|0", {"graph:SetNodeEnabled(2, false)"}},
@@ -158,7 +161,7 @@ TEST_P(BridgeScript, tellsOfTheTimelineAndItsTracks) {
 
     auto large = ScriptRun::session();
     large.tracks.resize(64, large.tracks[0]);
-    const auto lines = linesOf(large);
+    const auto lines = linesOf(large, 86'450, 8);
     ASSERT_EQ(lines.size(), 66U);
     EXPECT_THAT(lines[65], StartsWith("OXTRK|64|64|Dialogue|Take 1|"));
 }
@@ -191,6 +194,55 @@ TEST_P(BridgeScript, tellsWhereItPlays) {
     EXPECT_EQ(forward.size(), 34U) << "31 timecodes, and the tracks once";
     script.editor.play(86'400, -2);
     EXPECT_THAT(script.run(40).back(), StartsWith("OXTC|00:59:57:"));
+}
+
+TEST_P(BridgeScript, sparesTheEditor) {
+    const auto callsIn = [](const std::string& line) {
+        return line.starts_with("CALLS ") ? std::stoi(line.substr(6)) : 0;
+    };
+    auto session = ScriptRun::session();
+    session.tellsCalls = true;
+    int round = 0;
+    for (const auto& line : linesOf(session, 86'450, 90)) {
+        if (callsIn(line) == 0) continue;
+        const bool isOrdinary = round % 15 != 0 && round % 18 != 0;
+        EXPECT_EQ(callsIn(line) == 1, isOrdinary) << callsIn(line) << " calls in round " << round;
+        ++round;
+    }
+
+    // So many clips that a look at all takes 6,500 calls, in an editor in which they would take 0.65 s.
+    for (int i = 0; i < 50; ++i)
+        session.tracks[1].clips.push_back(
+            {.name = "Cut", .start = 86'400 + 40 * i, .finish = 86'440 + 40 * i});
+    session.tracks.resize(32, session.tracks[1]);
+    session.tracks[0] = session.tracks[1];
+    session.callSeconds = 1e-4;
+    script.editor.open(session);
+    script.editor.play(86'400, 1);
+    std::int64_t last = 86'400;
+    int tracks = 0;
+    for (const auto& line : script.run(300)) {
+        EXPECT_LE(callsIn(line), 820) << line;
+        if (line.starts_with("OXTRK|32|32|Music|Cut|")) ++tracks;
+        if (!line.starts_with("OXTC|")) continue;
+        const std::int64_t frame = std::stoll(line.substr(line.rfind('|') + 1));
+        EXPECT_LE(frame - last, 4) << "the playhead seems to stand when nothing is told for 180 ms: " << line;
+        last = frame;
+    }
+    EXPECT_GT(last, 86'700);
+    EXPECT_GE(tracks, 7) << "each new clip is told";
+}
+
+/// What has been printed is flushed, so that it arrives also from a host that never ends.
+TEST_P(BridgeScript, leavesNothingBehindInItsHost) {
+    script.editor.play(86'400, 1);
+    const auto lines =
+        script.run(9,
+                   "local wait, rounds = bmd.wait, 0\n"
+                   "bmd.wait = function(seconds)\n  rounds = rounds + 1\n"
+                   "  if rounds == 3 then os.execute('kill -KILL $PPID') end\n  wait(seconds)\nend\n");
+    EXPECT_THAT(lines, ElementsAre(StartsWith("OXTC|"), StartsWith("OXHDR|"), StartsWith("OXTRK|1"),
+                                   StartsWith("OXTRK|2"), StartsWith("OXTC|01:00:00:01")));
 }
 
 TEST_P(BridgeScript, printsOnlyWhatHasChanged) {
