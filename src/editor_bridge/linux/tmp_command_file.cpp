@@ -1,13 +1,8 @@
 #include "editor_bridge/linux/tmp_command_file.h"
 
-#include <array>
 #include <cerrno>
-#include <cstdint>
-#include <cstdio>
-#include <optional>
 
 #include <fcntl.h>
-#include <sys/random.h>
 #include <sys/stat.h>
 
 #include "editor_bridge/linux/descriptor.h"
@@ -17,8 +12,8 @@ namespace orbinex {
 namespace {
 
 constexpr mode_t ownersOnly = S_IRUSR | S_IWUSR;
-/// A line is written again as often as another writer comes between at most.
-constexpr int mostRounds = 16;
+/// A line is written again as often as its file is taken meanwhile, but not for ever.
+constexpr int mostRounds = 1000;
 
 bool isOurs(const struct stat& status) {
     return S_ISREG(status.st_mode) && status.st_uid == ::geteuid() && status.st_nlink == 1;
@@ -48,15 +43,6 @@ bool writeAll(int file, std::string_view bytes) {
     return true;
 }
 
-/// A name in the same folder that nobody can foresee.
-std::optional<std::string> temporaryPath(const std::string& path) {
-    std::uint64_t number = 0;
-    if (::getrandom(&number, sizeof number, 0) != static_cast<ssize_t>(sizeof number)) return std::nullopt;
-    std::array<char, 17> digits{};
-    std::snprintf(digits.data(), digits.size(), "%016llx", static_cast<unsigned long long>(number));
-    return path + "." + digits.data();
-}
-
 }  // namespace
 
 void TmpCommandFile::append(std::string_view line) {
@@ -65,53 +51,48 @@ void TmpCommandFile::append(std::string_view line) {
     if (bytes.empty() || bytes.size() >= mostWaiting) return;
     bytes += '\n';
     for (int round = 0; round < mostRounds; ++round) {
-        auto result = addToFile(bytes);
-        if (result == Result::absent) result = makeFile(bytes);
-        if (result != Result::occupied) return;
+        if (addToFile(bytes) == Result::done || addToNewFile(bytes) == Result::done) return;
     }
 }
 
 TmpCommandFile::Result TmpCommandFile::addToFile(std::string_view bytes) const {
     // Looked at before it is opened, as opening a device or a pipe has effects of its own.
     struct stat status {};
-    if (::lstat(path_.c_str(), &status) != 0) return errno == ENOENT ? Result::absent : Result::lost;
+    if (::lstat(path_.c_str(), &status) != 0) return errno == ENOENT ? Result::absent : Result::done;
     if (isRemoved(status)) return Result::absent;
-    if (!isOurs(status)) return Result::lost;
+    if (!isOurs(status)) return Result::done;
     if (static_cast<std::size_t>(status.st_size) + bytes.size() > mostWaiting) {
-        return ::unlink(path_.c_str()) == 0 || errno == ENOENT ? Result::absent : Result::lost;
+        return ::unlink(path_.c_str()) == 0 || errno == ENOENT ? Result::absent : Result::done;
     }
     const Descriptor file(
         ::open(path_.c_str(), O_WRONLY | O_APPEND | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    if (!file) return errno == ENOENT ? Result::absent : Result::lost;
-    if (::fstat(file.get(), &status) != 0) return Result::lost;
+    if (!file) return errno == ENOENT ? Result::absent : Result::done;
+    if (::fstat(file.get(), &status) != 0) return Result::done;
     if (isRemoved(status)) return Result::absent;
-    if (!isOurs(status) || !isForUsOnly(file.get(), status)) return Result::lost;
-    if (!writeAll(file.get(), bytes)) {
+    if (!isOurs(status)) return Result::done;
+    return write(file.get(), status, bytes);
+}
+
+TmpCommandFile::Result TmpCommandFile::addToNewFile(std::string_view bytes) const {
+    const Descriptor file(
+        ::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, ownersOnly));
+    if (!file) return errno == EEXIST ? Result::absent : Result::done;
+    struct stat status {};
+    return ::fstat(file.get(), &status) == 0 ? write(file.get(), status, bytes) : Result::done;
+}
+
+TmpCommandFile::Result TmpCommandFile::write(int file, const struct stat& status,
+                                             std::string_view bytes) const {
+    if (!isForUsOnly(file, status)) return Result::done;
+    if (!writeAll(file, bytes)) {
         // Not half a command; the next one must begin a line.
-        [[maybe_unused]] const int result = ::ftruncate(file.get(), status.st_size);
-        return Result::lost;
+        [[maybe_unused]] const int result = ::ftruncate(file, status.st_size);
+        return Result::done;
     }
     // If it was taken meanwhile, perhaps it had been read before the line came.
     struct stat now {};
-    if (::lstat(path_.c_str(), &now) != 0) return errno == ENOENT ? Result::absent : Result::lost;
-    return isSameFile(status, now) ? Result::added : Result::occupied;
-}
-
-TmpCommandFile::Result TmpCommandFile::makeFile(std::string_view bytes) const {
-    const auto temporary = temporaryPath(path_);
-    if (!temporary) return Result::lost;
-    const Descriptor file(
-        ::open(temporary->c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, ownersOnly));
-    if (!file) return Result::lost;
-    if (::fchmod(file.get(), ownersOnly) == 0 && writeAll(file.get(), bytes)) {
-        if (::renameat2(AT_FDCWD, temporary->c_str(), AT_FDCWD, path_.c_str(), RENAME_NOREPLACE) == 0)
-            return Result::added;
-    } else {
-        errno = EIO;
-    }
-    const bool isOccupied = errno == EEXIST;
-    ::unlink(temporary->c_str());
-    return isOccupied ? Result::occupied : Result::lost;
+    if (::lstat(path_.c_str(), &now) != 0) return errno == ENOENT ? Result::absent : Result::done;
+    return isSameFile(status, now) ? Result::done : Result::absent;
 }
 
 }  // namespace orbinex

@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include <sys/stat.h>
+
 #include "editor_bridge/command_file.h"
 
 namespace orbinex {
@@ -30,13 +32,13 @@ class TmpCommandFile final : public CommandFile {
 
   private:
     enum class Result {
-        added,
-        lost,
-        absent,    ///< there is no file to add to
-        occupied,  ///< somebody was faster
+        done,    ///< added, or lost
+        absent,  ///< there is no file, another one has come, or it was taken meanwhile
     };
     [[nodiscard]] Result addToFile(std::string_view bytes) const;
-    [[nodiscard]] Result makeFile(std::string_view bytes) const;
+    [[nodiscard]] Result addToNewFile(std::string_view bytes) const;
+    /// `status` is what the file was before.
+    [[nodiscard]] Result write(int file, const struct stat& status, std::string_view bytes) const;
 
     std::string path_;
 };

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -20,6 +21,12 @@
 
 #include "editor_bridge/command_queue_file_path.h"
 #include "editor_bridge/linux/tmp_command_file.h"
+
+/// Not every file system can do this.
+extern "C" int renameat2(int, const char*, int, const char*, unsigned) {
+    errno = EINVAL;
+    return -1;
+}
 
 namespace orbinex {
 namespace {
