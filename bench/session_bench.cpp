@@ -11,7 +11,7 @@
 #include <benchmark/benchmark.h>
 
 #include "editor_bridge/app_watcher_daemon.h"
-#include "editor_bridge/editor_identity.h"
+#include "editor_bridge/known_editors.h"
 #include "median_reporter.h"
 #include "sim/recording_command_file.h"
 #include "sim/simulated_clip_media.h"

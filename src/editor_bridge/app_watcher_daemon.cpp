@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "editor_bridge/editor_identity.h"
+#include "editor_bridge/known_editors.h"
 
 namespace orbinex {
 
@@ -61,12 +61,19 @@ bool AppWatcherDaemon::isResolveRunning() const {
 }
 
 void AppWatcherDaemon::updateEditorIdentity(const std::string& bundleID) {
-    if (const auto editor = knownEditor(bundleID)) {
-        dawSnapshot.edit([&](DAWSessionSnapshot& session) { session.dawID = *editor; });
+    if (const auto* editor = editorWithin(bundleID)) {
+        setEditor(*editor);
         broadcastFullDAWSnapshot();
     } else if (isResolveRunning()) {
-        dawSnapshot.edit([&](DAWSessionSnapshot& session) { session.dawID = resolveBundleID; });
+        setEditor(knownEditors().front());
     }
+}
+
+void AppWatcherDaemon::setEditor(const KnownEditor& editor) {
+    dawSnapshot.edit([&](DAWSessionSnapshot& session) { session.dawID = editor.application.bundleID; });
+    SessionTelemetry telemetry = *currentTelemetry;
+    telemetry.appVersion = editor.isToldByName ? editor.application.localizedName : resolveVersion_;
+    if (telemetry != *currentTelemetry) publishTelemetry(telemetry);
 }
 
 void AppWatcherDaemon::ensureResolveBridge() {

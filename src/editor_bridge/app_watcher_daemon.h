@@ -25,6 +25,7 @@
 
 namespace orbinex {
 
+struct KnownEditor;
 struct TimecodeLine;
 
 /// The editor bridge. It watches which application is in front, keeps the session of the editor that the
@@ -90,6 +91,7 @@ class AppWatcherDaemon final : public EditorBridge {
     void applicationTerminated(const RunningApplication& application);
     void publishCurrentApp(const RunningApplication& application);
     void updateEditorIdentity(const std::string& bundleID);
+    void setEditor(const KnownEditor& editor);
 
     // The script
     void startResolveBridge();
@@ -137,6 +139,8 @@ class AppWatcherDaemon final : public EditorBridge {
     bool isBLEClientConnected_ = false;
     ScriptText scriptText_;
     LineSplitter stdoutBuffer_;
+    /// As its script told it last.
+    std::string resolveVersion_ = currentTelemetry->appVersion;
     PlaybackTracker playback_;
     /// 01:00:00:00 at 24 frames a second.
     std::int64_t currentPlayheadFrame_ = 86'400;

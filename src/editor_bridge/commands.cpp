@@ -6,8 +6,8 @@
 
 #include "base/text.h"
 #include "editor_bridge/app_watcher_daemon.h"
-#include "editor_bridge/editor_identity.h"
 #include "editor_bridge/fader_law.h"
+#include "editor_bridge/known_editors.h"
 #include "editor_bridge/resolve_command_line.h"
 #include "editor_bridge/session_edits.h"
 #include "editor_bridge/timecode.h"

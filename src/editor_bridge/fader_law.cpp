@@ -22,10 +22,22 @@ double levelAt(double position) {
     return faderFloorDB + (kneeDB - faderFloorDB) * position / kneePosition;
 }
 
+double clampedAround0(double value, double limit) {
+    return std::isnan(value) ? 0 : std::clamp(value, -limit, limit);
+}
+
 }  // namespace
 
 double clampedFaderDB(double dB) {
     return std::isfinite(dB) ? std::clamp(dB, faderFloorDB, faderCeilingDB) : faderFloorDB;
+}
+
+double clampedPan(double pan) {
+    return clampedAround0(pan, 100);
+}
+
+double clampedLevelerDB(double dB) {
+    return clampedAround0(dB, 12);
 }
 
 double faderDBToScalar(double dB) {

@@ -9,6 +9,11 @@ inline constexpr double faderCeilingDB = 12;
 /// Within the range of a fader; what is not finite is its lower end.
 double clampedFaderDB(double dB);
 
+/// -100 (left) to 100, and -12 to 12 dB: what a track's pan and its dialogue leveler take. No number at all
+/// is 0.
+double clampedPan(double pan);
+double clampedLevelerDB(double dB);
+
 /// Where a fader stands, 0 to 1, for a level in dB. Straight between these points:
 ///
 ///     dB        -96   -36   0     12

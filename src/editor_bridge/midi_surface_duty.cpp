@@ -4,7 +4,7 @@
 #include <variant>
 
 #include "editor_bridge/app_watcher_daemon.h"
-#include "editor_bridge/editor_identity.h"
+#include "editor_bridge/known_editors.h"
 #include "editor_bridge/midi_surface.h"
 #include "editor_bridge/session_edits.h"
 #include "protocol/session_encoding.h"

@@ -30,6 +30,11 @@ std::string number(std::int64_t value) {
     return std::to_string(value);
 }
 
+/// As it is, or, if it is not finite, as it is within its range.
+std::string decimal(double value, double (*clamped)(double), int decimals) {
+    return formatFixed(std::isfinite(value) ? value : clamped(value), decimals);
+}
+
 std::string_view flag(bool value) {
     return value ? "1" : "0";
 }
@@ -38,11 +43,7 @@ std::string_view flag(bool value) {
 /// offset is lift, and power falls as contrast rises.
 Line colourLine(const DAWCommand::SetColorCDL& colour) {
     std::string line = "CDL|" + number(std::max<std::int64_t>(colour.nodeIndex, 1));
-    bool isFinite = true;
-    const auto add = [&](double value, int decimals) {
-        isFinite = isFinite && std::isfinite(value);
-        line += '|' + formatFixed(value, decimals);
-    };
+    const auto add = [&](double value, int decimals) { line += '|' + formatFixed(value, decimals); };
     for (const double gain : {colour.gainR, colour.gainG, colour.gainB}) {
         const double slope = gain * colour.contrast;
         add(slope < 0.1 ? 0.1 : slope, 4);
@@ -50,18 +51,17 @@ Line colourLine(const DAWCommand::SetColorCDL& colour) {
     for (const double lift : {colour.liftR, colour.liftG, colour.liftB}) add(lift, 4);
     add(std::max(2 - colour.contrast, 0.2), 4);
     add(colour.saturation, 3);
-    return isFinite ? Line(line) : std::nullopt;
+    return line;
 }
 
 struct LineWriter {
     Line operator()(const DAWCommand::SetTrackVolume& c) const {
         if (c.trackIndex == 0) return std::nullopt;
-        const double dB = std::isfinite(c.volumeDB) ? c.volumeDB : faderFloorDB;
-        return joined({"VOL", number(c.trackIndex), formatFixed(dB, 2)});
+        return joined({"VOL", number(c.trackIndex), decimal(c.volumeDB, clampedFaderDB, 2)});
     }
     Line operator()(const DAWCommand::SetTrackPan& c) const {
-        if (c.trackIndex < 1 || !std::isfinite(c.pan)) return std::nullopt;
-        return joined({"PAN", number(c.trackIndex), formatFixed(c.pan, 1)});
+        if (c.trackIndex < 1) return std::nullopt;
+        return joined({"PAN", number(c.trackIndex), decimal(c.pan, clampedPan, 1)});
     }
     Line operator()(const DAWCommand::SetTrackMute& c) const {
         if (c.trackIndex < 1) return std::nullopt;
@@ -76,8 +76,8 @@ struct LineWriter {
         return joined({"VISO", number(c.trackIndex), flag(c.enabled), number(c.amount)});
     }
     Line operator()(const DAWCommand::SetDialogueLeveler& c) const {
-        if (!std::isfinite(c.gainDB)) return std::nullopt;
-        return joined({"DLEV", number(c.trackIndex), flag(c.enabled), formatFixed(c.gainDB, 1)});
+        return joined(
+            {"DLEV", number(c.trackIndex), flag(c.enabled), decimal(c.gainDB, clampedLevelerDB, 1)});
     }
     Line operator()(const DAWCommand::SetClipsLinked& c) const { return joined({"LINK", flag(c.linked)}); }
     Line operator()(const DAWCommand::OpenPage& c) const { return joined({"PAGE", lowercased(c.pageName)}); }

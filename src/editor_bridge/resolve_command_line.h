@@ -17,8 +17,9 @@ namespace orbinex {
 ///     DLEV|track|flag|dB, 1 decimal
 ///     CDL|node|slope R|G|B|offset R|G|B|power, 4 decimals each|saturation, 3 decimals
 ///
-/// Nothing for what the script cannot do (solo, selecting), for the master's volume, for pan, mute and lock
-/// of a track below 1, and for numbers that are not finite (a volume is then the lowest).
+/// Nothing for what the script cannot do (solo, selecting), for the master's volume, and for pan, mute and
+/// lock of a track below 1. A volume, pan or gain that is not finite is what the session makes of it; a
+/// colour is written as it is, and the script takes its default.
 std::optional<std::string> resolveCommandLine(const DAWCommand& command);
 
 }  // namespace orbinex

@@ -3,6 +3,7 @@
 #include "editor_bridge/app_watcher_daemon.h"
 #include "editor_bridge/bridge_lines.h"
 #include "editor_bridge/bridge_script.h"
+#include "editor_bridge/known_editors.h"
 #include "editor_bridge/session_edits.h"
 #include "protocol/session_encoding.h"
 
@@ -60,6 +61,7 @@ void AppWatcherDaemon::handleTimecodeLine(std::string_view line) {
 void AppWatcherDaemon::handleHeaderLine(std::string_view line) {
     const auto header = parseHeaderLine(line);
     if (!header) return;
+    setEditor(knownEditors().front());
     dawSnapshot.edit([&](DAWSessionSnapshot& session) { apply(*header, session); });
     if (isBLEClientConnected_) send(encodeHeader(*dawSnapshot));
 }

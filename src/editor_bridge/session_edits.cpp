@@ -1,22 +1,17 @@
 #include "editor_bridge/session_edits.h"
 
 #include <algorithm>
-#include <cmath>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <variant>
 
 #include "base/text.h"
-#include "editor_bridge/editor_identity.h"
 #include "editor_bridge/fader_law.h"
 
 namespace orbinex {
 
 namespace {
-
-constexpr double panLimit = 100;
-constexpr double gainLimitDB = 12;
 
 /// The first of the tracks that belong behind one with this index.
 template <class Tracks>
@@ -53,8 +48,7 @@ struct SessionEditor {
         if (auto* const track = findTrack(session, c.trackIndex)) track->volumeDB = dB;
     }
     void operator()(const DAWCommand::SetTrackPan& c) const {
-        auto* const track = findTrack(session, c.trackIndex);
-        if (track && std::isfinite(c.pan)) track->pan = std::clamp(c.pan, -panLimit, panLimit);
+        if (auto* const track = findTrack(session, c.trackIndex)) track->pan = clampedPan(c.pan);
     }
     void operator()(const DAWCommand::SetTrackMute& c) const {
         if (c.trackIndex == 0) session.masterMuted = c.isMuted;
@@ -75,15 +69,12 @@ struct SessionEditor {
     }
     void operator()(const DAWCommand::SetDialogueLeveler& c) const {
         auto* const track = findTrack(session, c.trackIndex);
-        if (!track || !std::isfinite(c.gainDB)) return;
+        if (!track) return;
         track->dialogueLevelerEnabled = c.enabled;
-        track->dialogueLevelerGainDB = std::clamp(c.gainDB, -gainLimitDB, gainLimitDB);
+        track->dialogueLevelerGainDB = clampedLevelerDB(c.gainDB);
     }
     void operator()(const DAWCommand::SetClipsLinked& c) const { session.clipsLinked = c.linked; }
     void operator()(const DAWCommand::SetColorCDL& c) const {
-        for (const double value :
-             {c.liftR, c.liftG, c.liftB, c.gainR, c.gainG, c.gainB, c.contrast, c.saturation})
-            if (!std::isfinite(value)) return;
         auto& colour = session.colorState;
         colour.selectedNodeIndex = std::max<std::int64_t>(c.nodeIndex, 1);
         colour.liftR = c.liftR;
@@ -121,7 +112,6 @@ void apply(const DAWCommand& command, DAWSessionSnapshot& session) {
 }
 
 void apply(const HeaderLine& line, DAWSessionSnapshot& session) {
-    session.dawID = resolveBundleID;
     session.clipsLinked = line.clipsLinked;
     session.colorState.clipName = line.clipName;
     session.colorState.nodeCount = line.nodeCount;

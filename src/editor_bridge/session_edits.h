@@ -16,8 +16,8 @@ DAWTrackState* findTrack(DAWSessionSnapshot& session, std::int64_t index);
 
 /// Does to the session what a command asks for, before the editor has answered. Levels are limited to the
 /// range of a fader, pan to -100...100, the leveler's gain to -12...12 dB, the isolation's amount to 0...100;
-/// numbers that are not finite change nothing (a volume becomes the lowest). Commands about tracks that are
-/// not there, and those that are not about the session (page, timecode, selection), change nothing.
+/// colours are not limited. Commands about tracks that are not there, and those that are not about the
+/// session (page, timecode, selection), change nothing.
 void apply(const DAWCommand& command, DAWSessionSnapshot& session);
 
 /// Takes over what a header tells, and drops the tracks that it no longer counts.

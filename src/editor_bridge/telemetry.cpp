@@ -1,8 +1,5 @@
 // Timecode and playback, the iPhone's transport keys, and the meter tick.
 
-#include <algorithm>
-#include <limits>
-
 #include "base/text.h"
 #include "editor_bridge/app_watcher_daemon.h"
 #include "editor_bridge/bridge_lines.h"
@@ -32,6 +29,7 @@ void AppWatcherDaemon::updateTelemetry(const TimecodeLine& line) {
     auto& next = nextTelemetry_;
     next.timecode = line.timecode;
     next.fps = line.fps;
+    resolveVersion_ = line.appVersion;
     next.appVersion = line.appVersion;
     next.timelineName = line.timelineName;
     next.pageName = uppercased(line.pageName);
@@ -57,9 +55,7 @@ void AppWatcherDaemon::handleTransportKey(std::uint16_t keycode, ModifierFlags m
     const auto effect = transportKeyEffect(keycode, *currentTelemetry);
     if (!effect) return;
     if (effect->step != 0) {
-        const bool isAtEnd = currentPlayheadFrame_ == std::numeric_limits<std::int64_t>::max();
-        const std::int64_t step = isAtEnd && effect->step > 0 ? 0 : effect->step;
-        setPlayhead(std::max<std::int64_t>(currentPlayheadFrame_ + step, 0));
+        setPlayhead(steppedFrame(currentPlayheadFrame_, effect->step).value_or(currentPlayheadFrame_));
     }
     if (effect->telemetry != *currentTelemetry) publishTelemetry(effect->telemetry);
 }

@@ -62,4 +62,9 @@ std::string framesToTimecode(std::int64_t frames, bool isDropFrame, double fps) 
            twoDigits(seconds % 60) + (isDropFrame ? ';' : ':') + twoDigits(count % rate);
 }
 
+std::optional<std::int64_t> steppedFrame(std::int64_t frame, int step) {
+    if (step > 0 && frame > largest - step) return std::nullopt;
+    return std::max<std::int64_t>(frame + step, 0);
+}
+
 }  // namespace orbinex

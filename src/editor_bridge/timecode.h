@@ -29,4 +29,8 @@ std::optional<TimecodeFrames> timecodeToFrames(std::string_view timecode, double
 /// drop-frame, else ":". Negative counts are 0.
 std::string framesToTimecode(std::int64_t frames, bool isDropFrame, double fps);
 
+/// One frame on (1) or back (-1), not below 0; nothing when 64 bits cannot hold it. The frame is not
+/// negative.
+std::optional<std::int64_t> steppedFrame(std::int64_t frame, int step);
+
 }  // namespace orbinex

@@ -28,7 +28,8 @@ SessionTelemetry atSpeed(const SessionTelemetry& now, std::string_view speed) {
 TransportKeyEffect stepped(const SessionTelemetry& now, int step) {
     TransportKeyEffect effect{atSpeed(now, PlaybackSpeed::stopped), step};
     if (const auto at = timecodeToFrames(now.timecode, now.fps)) {
-        effect.telemetry.timecode = framesToTimecode(at->frames + step, at->isDropFrame, now.fps);
+        if (const auto frame = steppedFrame(at->frames, step))
+            effect.telemetry.timecode = framesToTimecode(*frame, at->isDropFrame, now.fps);
     }
     return effect;
 }

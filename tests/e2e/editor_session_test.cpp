@@ -16,7 +16,7 @@
 #include "app/app_coordinator.h"
 #include "app/linux/qt_main_queue.h"
 #include "editor_bridge/app_watcher_daemon.h"
-#include "editor_bridge/editor_identity.h"
+#include "editor_bridge/known_editors.h"
 #include "editor_bridge/linux/linux_script_host.h"
 #include "editor_bridge/linux/tmp_command_file.h"
 #include "editor_folder.h"

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "editor_bridge/app_watcher_daemon.h"
-#include "editor_bridge/editor_identity.h"
+#include "editor_bridge/known_editors.h"
 #include "protocol/control_message.h"
 #include "sim/recording_command_file.h"
 #include "sim/simulated_clip_media.h"

@@ -1,6 +1,6 @@
 // What the iPhone's commands do: to the session, to the editor, to the output, and what the iPhone is told.
 
-#include <cmath>
+#include <limits>
 
 #include <gtest/gtest.h>
 
@@ -26,16 +26,21 @@ const Row commandRows[] = {
     {"VOL|2|-6", {"VOL|2|-6.00"}, "T2", [](auto& s) { s.tracks[1].volumeDB = -6; }},
     {"VOL|2|40", {"VOL|2|40.00"}, "T2", [](auto& s) { s.tracks[1].volumeDB = 12; }},
     {"VOL|2|nan", {"VOL|2|-96.00"}, "T2", [](auto& s) { s.tracks[1].volumeDB = -96; }},
+    {"VOL|-3|1.005", {"VOL|-3|1.00"}, ""},
     {"VOL|0|-6", {}, "T0", [](auto& s) { s.masterVolumeDB = s.tracks[3].volumeDB = -6; }},
     {"VOL|9|-6", {"VOL|9|-6.00"}, ""},
     {"PAN|1|-150", {"PAN|1|-150.0"}, "T1", [](auto& s) { s.tracks[0].pan = -100; }},
-    {"PAN|1|nan", {}, "T1"},
+    {"PAN|1|nan", {"PAN|1|0.0"}, "T1", [](auto& s) { s.tracks[0].pan = 0; }},
+    {"PAN|1|inf", {"PAN|1|100.0"}, "T1", [](auto& s) { s.tracks[0].pan = 100; }},
     {"PAN|0|10", {}, "", [](auto& s) { s.tracks[3].pan = 10; }},
     {"MUTE|3|1", {"MUTE|3|0"}, "T3", [](auto& s) { s.tracks[2].isMuted = true; }},
+    {"MUTE|2|0", {"MUTE|2|1"}, "T2"},
     {"MUTE|0|1", {}, "T0", [](auto& s) { s.masterMuted = s.tracks[3].isMuted = true; }},
     {"MUTE|-1|1", {}, ""},
     {"SOLO|2|1", {}, "T2", [](auto& s) { s.tracks[1].isSolo = true; }},
     {"ARM|1|1", {"LOCK|1|1"}, "T1", [](auto& s) { s.tracks[0].isArmed = s.tracks[0].isLocked = true; }},
+    {"ARM|1|0", {"LOCK|1|0"}, "T1"},
+    {"ARM|-1|1", {}, ""},
     {"ARM|0|1", {}, "T0", [](auto& s) { s.tracks[3].isArmed = s.tracks[3].isLocked = true; }},
     {"VISO|2|1|180",
      {"VISO|2|1|180"},
@@ -51,7 +56,14 @@ const Row commandRows[] = {
          s.tracks[1].dialogueLevelerEnabled = true;
          s.tracks[1].dialogueLevelerGainDB = -12;
      }},
-    {"DLEV|2|1|inf", {}, "T2"},
+    {"DLEV|2|1|inf",
+     {"DLEV|2|1|12.0"},
+     "T2",
+     [](auto& s) {
+         s.tracks[1].dialogueLevelerEnabled = true;
+         s.tracks[1].dialogueLevelerGainDB = 12;
+     }},
+    {"VISO|0|0|-5", {"VISO|0|0|-5"}, "T0"},
     {"LINK|0", {"LINK|0"}, whole, [](auto& s) { s.clipsLinked = false; }},
     {"CDL|0|0.1|0.2|0.3|1.1|1.2|1.3|0.5|0.9",
      {"CDL|1|0.5500|0.6000|0.6500|0.1000|0.2000|0.3000|1.5000|0.900"},
@@ -66,7 +78,13 @@ const Row commandRows[] = {
          s.colorState.contrast = 0.5;
          s.colorState.saturation = 0.9;
      }},
-    {"CDL|2|nan|0|0|1|1|1|1|1", {}, whole},
+    {"CDL|2|inf|0|0|1|1|1|1|1",
+     {"CDL|2|1.0000|1.0000|1.0000|inf|0.0000|0.0000|1.0000|1.000"},
+     whole,
+     [](auto& s) {
+         s.colorState.selectedNodeIndex = 2;
+         s.colorState.liftR = std::numeric_limits<double>::infinity();
+     }},
     {"NEN|3|0",
      {"NEN|3|0"},
      whole,
@@ -74,6 +92,22 @@ const Row commandRows[] = {
          s.colorState.selectedNodeIndex = 3;
          s.colorState.isNodeEnabled = false;
      }},
+    {"CDL|1|0|0|0|1|1|1|-inf|1",
+     {"CDL|1|0.1000|0.1000|0.1000|0.0000|0.0000|0.0000|inf|1.000"},
+     whole,
+     [](auto& s) { s.colorState.contrast = -std::numeric_limits<double>::infinity(); }},
+    {"CDL|0|0|0|0|1|1|1|0.05|1",
+     {"CDL|1|0.1000|0.1000|0.1000|0.0000|0.0000|0.0000|1.9500|1.000"},
+     whole,
+     [](auto& s) { s.colorState.contrast = 0.05; }},
+    {"CDL|1|0|0|0|1|1|-4|2.5|1",
+     {"CDL|1|2.5000|2.5000|0.1000|0.0000|0.0000|0.0000|0.2000|1.000"},
+     whole,
+     [](auto& s) {
+         s.colorState.gainB = -4;
+         s.colorState.contrast = 2.5;
+     }},
+    {"NEN|-2|1", {"NEN|1|1"}, whole},
     {"SEL|2", {}, "M"},
     {"SYNC", {"REFRESH"}, whole},
 };
@@ -120,8 +154,8 @@ TEST(Commands, openPagesAndSetTheTimecode) {
     world.run(1s);
     world.packets.clear();
     auto expected = *world.daemon->currentTelemetry;
-    world.command("PAGE|FairLight");
-    expected.pageName = "FAIRLIGHT";
+    world.command("PAGE|FaérLight");
+    expected.pageName = "FAÉRLIGHT";
     EXPECT_EQ(world.told, std::vector{expected});
     world.command("TC|00:00:02:03");
     expected.timecode = "00:00:02:03";
@@ -131,7 +165,7 @@ TEST(Commands, openPagesAndSetTheTimecode) {
     world.command("TC|somewhere");
     EXPECT_EQ(world.told.back().timecode, "somewhere");
     EXPECT_EQ(world.daemon->currentPlayheadFrame(), 51);
-    EXPECT_EQ(world.commandFile.lines, (Texts{"PAGE|fairlight", "TC|00:00:02:03", "TC|somewhere"}));
+    EXPECT_EQ(world.commandFile.lines, (Texts{"PAGE|faérlight", "TC|00:00:02:03", "TC|somewhere"}));
     EXPECT_EQ(world.packetKinds(), "");
 }
 

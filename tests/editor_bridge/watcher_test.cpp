@@ -54,6 +54,27 @@ TEST(Watcher, servesTheEditorThatItRecognises) {
     EXPECT_EQ(world.session().dawID, "com.apple.logic10");
 }
 
+TEST(Watcher, tellsTheNameOfAnEditorThatAnIPhoneMayNotKnow) {
+    BridgeWorld world;
+    const auto label = [&] { return world.told.empty() ? "" : world.told.back().appVersion; };
+    world.workspace.activate(logic);
+    EXPECT_EQ(world.told, std::vector<SessionTelemetry>{}) << "it knows this one";
+    world.workspace.activate({"org.ardour.Ardour", "Session - Ardour"});
+    EXPECT_EQ(label(), "Ardour");
+    EXPECT_EQ(world.session().dawID, "org.ardour.Ardour");
+    world.workspace.activate(terminal);
+    EXPECT_EQ(world.told.size(), 1U) << "it is still the editor";
+    world.workspace.activate(logic);
+    EXPECT_EQ(label(), "RESOLVE");
+    world.workspace.launch(resolve);
+    world.print("OXTC|01:00:00:00|24|RESOLVE 19.1|Cut 3|edit\n");
+    world.workspace.activate({"org.ardour.Ardour", "Ardour"});
+    EXPECT_EQ(label(), "Ardour");
+    world.print("OXHDR|1|1|Shot|2\n");
+    EXPECT_EQ(world.session().dawID, resolveBundleID);
+    EXPECT_EQ(label(), "RESOLVE 19.1");
+}
+
 TEST(Watcher, runsTheScriptWhileResolveRuns) {
     BridgeWorld world;
     world.run(10s);

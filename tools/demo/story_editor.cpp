@@ -7,7 +7,7 @@
 #include <variant>
 
 #include "base/numbers.h"
-#include "editor_bridge/editor_identity.h"
+#include "editor_bridge/known_editors.h"
 #include "stage.h"
 
 namespace orbinex::demo {

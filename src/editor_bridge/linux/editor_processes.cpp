@@ -11,7 +11,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include "editor_bridge/linux/editor_names.h"
+#include "editor_bridge/known_editors.h"
 #include "editor_bridge/linux/program_name.h"
 
 namespace orbinex {

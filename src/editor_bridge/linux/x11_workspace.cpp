@@ -4,7 +4,7 @@
 #include <array>
 #include <utility>
 
-#include "editor_bridge/linux/editor_names.h"
+#include "editor_bridge/known_editors.h"
 
 namespace orbinex {
 

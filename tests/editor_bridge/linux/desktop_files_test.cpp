@@ -9,6 +9,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "editor_bridge/linux/program_name.h"
+
 namespace orbinex::test {
 namespace {
 
@@ -131,6 +133,15 @@ TEST_F(DesktopFilesTest, areNotStoppedByWhatLiesAmongThem) {
     auto all = files();
     EXPECT_EQ(idOf(all, "good"), "good");
     EXPECT_EQ(idOf(all, "pipe"), "-");
+}
+
+TEST(ProgramName, isTheFileNameOfTheExecutable) {
+    EXPECT_EQ(programOfLink("/opt/resolve/bin/resolve"), "resolve");
+    EXPECT_EQ(programOfLink("/opt/resolve/bin/resolve (deleted)"), "resolve");
+    EXPECT_EQ(programOfLink(""), "");
+    EXPECT_EQ(programOfArgument("C:\\Program Files\\Avid\\Pro Tools\\ProTools.exe"), "ProTools.exe");
+    EXPECT_EQ(programOfArgument(std::string("/home/me/resolve.exe\0--flag/x", 29)), "resolve.exe");
+    EXPECT_EQ(programOfArgument(""), "");
 }
 
 }  // namespace

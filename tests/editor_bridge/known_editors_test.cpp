@@ -1,14 +1,30 @@
-#include "editor_bridge/linux/editor_names.h"
+#include "editor_bridge/known_editors.h"
 
-#include <string>
+#include <optional>
 
 #include <gtest/gtest.h>
 
-#include "editor_bridge/editor_identity.h"
-#include "editor_bridge/linux/program_name.h"
-
-namespace orbinex::test {
+namespace orbinex {
 namespace {
+
+TEST(EditorIdentity, isFoundInsideABundleIdentifier) {
+    const std::pair<const char*, std::optional<std::string_view>> rows[] = {
+        {"com.blackmagic-design.DaVinciResolve", resolveBundleID},
+        {"COM.BLACKMAGIC-DESIGN.DAVINCIRESOLVE.beta", resolveBundleID},
+        {"com.apple.FinalCutTrial", "com.apple.FinalCut"},
+        {"com.apple.logic10", "com.apple.logic10"},
+        {"x.com.avid.protools.y", "com.avid.ProTools"},
+        {"com.adobe.premierepro.24", "com.adobe.PremierePro"},
+        {"com.adobe.PremierePro+com.apple.logic10", "com.apple.logic10"},
+        {"com.apple.logic", std::nullopt},
+        {"", std::nullopt},
+    };
+    for (const auto& [bundleID, editor] : rows) {
+        const auto* const found = editorWithin(bundleID);
+        EXPECT_EQ(found ? std::optional<std::string_view>(found->application.bundleID) : std::nullopt, editor)
+            << bundleID;
+    }
+}
 
 TEST(EditorNames, areThoseOfProgramsAndWindowsOfTheEditors) {
     const struct {
@@ -42,7 +58,6 @@ TEST(EditorNames, areThoseOfProgramsAndWindowsOfTheEditors) {
         const auto* editor = editorNamed(row.name);
         ASSERT_NE(editor, nullptr) << row.name;
         EXPECT_EQ(*editor, (RunningApplication{row.bundleID, row.localizedName})) << row.name;
-        EXPECT_EQ(knownEditor(editor->bundleID), row.bundleID);
         EXPECT_EQ(editorWithID(row.bundleID), editor);
     }
 }
@@ -56,14 +71,13 @@ TEST(EditorNames, areNotThoseOfOtherPrograms) {
     EXPECT_EQ(editorWithID("resolve"), nullptr);
 }
 
-TEST(ProgramName, isTheFileNameOfTheExecutable) {
-    EXPECT_EQ(programOfLink("/opt/resolve/bin/resolve"), "resolve");
-    EXPECT_EQ(programOfLink("/opt/resolve/bin/resolve (deleted)"), "resolve");
-    EXPECT_EQ(programOfLink(""), "");
-    EXPECT_EQ(programOfArgument("C:\\Program Files\\Avid\\Pro Tools\\ProTools.exe"), "ProTools.exe");
-    EXPECT_EQ(programOfArgument(std::string("/home/me/resolve.exe\0--flag/x", 29)), "resolve.exe");
-    EXPECT_EQ(programOfArgument(""), "");
+TEST(EditorIdentity, ofResolveIsAnIdentifierOrAName) {
+    EXPECT_TRUE(isResolve({"com.Blackmagic-Design.davinciresolve", "Anything"}));
+    EXPECT_TRUE(isResolve({"", "davinci resolve Studio 19"}));
+    EXPECT_FALSE(isResolve({"com.blackmagic-design.DaVinciResolve.beta", "Beta"}));
+    EXPECT_FALSE(isResolve({"resolve", "Resolve"}));
+    EXPECT_FALSE(isResolve({"", ""}));
 }
 
 }  // namespace
-}  // namespace orbinex::test
+}  // namespace orbinex
