@@ -103,7 +103,7 @@ void BluezBus::call(const QString& path, const char* interface, const char* meth
     const auto pending = pending_.emplace(pending_.end());
     pending->done = std::move(done);
     pending->limit = queue_.after(limit, [this, pending] {
-        finish(pending, {{}, {}, BluezError{Bluez::noReply, "The Bluetooth service does not answer"}});
+        finish(pending, {{}, {}, BluezError{Bluez::noReply, {}}});
         if (isOwned()) onSilence();
     });
     // Without bluetoothd there is nobody to ask; the limit answers.

@@ -19,6 +19,11 @@ using ManagedObjects = QMap<QDBusObjectPath, BluezInterfaces>;
 /// Properties that BlueZ sets when it hears a device.
 constexpr std::array heardProperties{"RSSI", "ManufacturerData", "ServiceData", "AdvertisingFlags"};
 
+bool isOfDevice(const QString& interface) {
+    return interface == QLatin1String(Bluez::device) || interface == QLatin1String(Bluez::bearerLE) ||
+           interface == QLatin1String(Bluez::bearerBREDR);
+}
+
 }  // namespace
 
 BluezCentral::BluezCentral(const QDBusConnection& connection, Ports ports)
@@ -232,7 +237,7 @@ void BluezCentral::objectChanged(const QString& path, const QString& interface, 
         if (path == adapter_ && discovering != changed.constEnd() && *discovering == QVariant(false)) {
             discovery_.ended();
         }
-    } else if (interface == QLatin1String(Bluez::device)) {
+    } else if (isOfDevice(interface)) {
         const auto device = devices_.noticed(path);
         if (!device) return;
         const bool isHeard = std::ranges::any_of(
@@ -266,7 +271,7 @@ void BluezCentral::heard(const UUID& device) {
     // BlueZ does not add a service again that a connection has shown to be missing.
     if (!object->offers(*scannedService_) && !parseAdvertisedName(name.value_or(std::string()))) return;
     const bool isToBeReported = sightings_.heard(device, queue_.uptime());
-    if (!isToBeReported || object->isConnected || !delegate_) return;
+    if (!isToBeReported || connections_.isLinked(device) || !delegate_) return;
     const Advertisement advertisement{{device, object->name}, name, object->rssi.value_or(127)};
     delegate_->peripheralDiscovered(advertisement);
 }
@@ -306,7 +311,8 @@ std::vector<Peripheral> BluezCentral::retrieveConnectedPeripherals(const UUID& s
     std::vector<Peripheral> result;
     for (const auto& id : devices_.all()) {
         const auto object = devices_.find(id);
-        if (object && object->isConnected && object->offers(service)) result.push_back({id, object->name});
+        if (object && connections_.isLinked(id) && object->offers(service))
+            result.push_back({id, object->name});
     }
     return result;
 }

@@ -10,7 +10,7 @@ namespace orbinex {
 
 namespace {
 
-const BluezError endedByDevice{QString(), QStringLiteral("The device ended the connection")};
+const BluezError endedByDevice{QString(), QStringLiteral("le-connection-abort-by-remote")};
 
 }  // namespace
 
@@ -24,7 +24,7 @@ void BluezConnections::endAll() {
     for (const auto& [id, contact] : contacts_) {
         const auto device = devices_.find(id);
         if (!device || (!contact.isConnecting && !device->isConnected)) continue;
-        bus_.call(device->path, Bluez::device, "Disconnect", {}, BluezBus::ordinaryLimit,
+        bus_.call(device->path, device->linkInterface, "Disconnect", {}, BluezBus::ordinaryLimit,
                   [](const BluezBus::Reply&) {});
     }
     clear();
@@ -57,8 +57,15 @@ void BluezConnections::cancel(const UUID& device) {
 bool BluezConnections::isConnected(const UUID& device) const {
     const auto found = contacts_.find(device);
     if (found == contacts_.end() || !found->second.isReported) return false;
+    return isLinked(device);
+}
+
+bool BluezConnections::isLinked(const UUID& device) const {
     const auto object = devices_.find(device);
-    return object && object->isConnected;
+    if (!object || !object->isConnected) return false;
+    const auto found = contacts_.find(device);
+    return object->classic != ClassicLink::possible ||
+           (found != contacts_.end() && found->second.isLowEnergy);
 }
 
 Initiative BluezConnections::initiative(const UUID& device) const {
@@ -110,12 +117,20 @@ void BluezConnections::review(const UUID& device) {
     }
 }
 
+/// Where the bearers are not told apart, the end of one shows in services that are no longer resolved.
+void BluezConnections::noteBearer(Contact& contact, const std::optional<BluezDevice>& object) {
+    const bool areResolved = object && object->areServicesResolved;
+    const bool haveEnded = std::exchange(contact.wereServicesResolved, areResolved) && !areResolved;
+    if (!object || !object->isConnected || haveEnded) contact.isLowEnergy = false;
+}
+
 /// A bonded device that ends the connection before it has told its services may have forgotten the pairing.
 void BluezConnections::noteConnection(const UUID& device) {
     auto* const contact = this->contact(device);
     if (!contact) return;
     const auto object = devices_.find(device);
-    if (object && object->isConnected) {
+    noteBearer(*contact, object);
+    if (isLinked(device)) {
         if (!contact->connectedSince) contact->connectedSince = queue_.uptime();
         if (object->areServicesResolved) contact->promptFailures = 0;
         return;
@@ -142,7 +157,7 @@ ConnectFacts BluezConnections::facts(const UUID& device, const Contact& contact)
     facts.isKnown = object.has_value();
     facts.now = queue_.uptime();
     facts.isInSight = sightings_.isInSight(device, facts.now);
-    facts.isConnected = object && object->isConnected;
+    facts.isConnected = isLinked(device);
     facts.isProven = !object || !object->isBonded || object->areServicesResolved ||
                      (contact.connectedSince && facts.now - *contact.connectedSince >= proofTime);
     facts.isReported = contact.isReported;
@@ -197,8 +212,9 @@ void BluezConnections::callConnect(const UUID& device) {
     contact.hasDropped = false;
     contact.callBegan = queue_.uptime();
     tellConnecting();
+    const auto object = devices_.find(device);
     bus_.call(
-        devices_.find(device)->path, Bluez::device, "Connect", {}, connectLimit,
+        object->path, object->linkInterface, "Connect", {}, connectLimit,
         calls_->guard([this, device](const BluezBus::Reply& reply) { connectAnswered(device, reply); }));
 }
 
@@ -221,6 +237,7 @@ void BluezConnections::connectEnded(const UUID& device, const BluezBus::Reply& r
     auto* const contact = this->contact(device);
     if (!contact) return;
     contact->isConnecting = false;
+    contact->isLowEnergy = !reply.error && !contact->hasDropped;
     tellConnecting();
     const auto object = devices_.find(device);
     const bool isBonded = object && object->isBonded;
@@ -255,8 +272,8 @@ void BluezConnections::callDisconnect(const UUID& device) {
     auto& contact = contacts_.at(device);
     const auto object = devices_.find(device);
     contact.isDisconnecting = true;
-    bus_.call(object ? object->path : QString(), Bluez::device, "Disconnect", {}, BluezBus::ordinaryLimit,
-              calls_->guard([this, device](const BluezBus::Reply&) {
+    bus_.call(object ? object->path : QString(), object ? object->linkInterface : Bluez::device, "Disconnect",
+              {}, BluezBus::ordinaryLimit, calls_->guard([this, device](const BluezBus::Reply&) {
                   auto* const answered = this->contact(device);
                   if (!answered) return;
                   answered->isDisconnecting = false;

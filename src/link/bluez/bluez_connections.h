@@ -51,6 +51,8 @@ class BluezConnections {
     void cancel(const UUID& device);
     /// True for a connection that was reported and stands.
     [[nodiscard]] bool isConnected(const UUID& device) const;
+    /// Connected over Low Energy as far as is known, by anybody.
+    [[nodiscard]] bool isLinked(const UUID& device) const;
     /// At whose wish it was connected.
     [[nodiscard]] Initiative initiative(const UUID& device) const;
     /// What the link called it when it last asked for a connection.
@@ -79,6 +81,10 @@ class BluezConnections {
         bool isCancelling = false;
         bool isDisconnecting = false;
         bool hasDropped = false;  ///< since the Connect call was made
+        /// A Connect call has succeeded since; where a device may be connected over classic Bluetooth, only
+        /// that tells.
+        bool isLowEnergy = false;
+        bool wereServicesResolved = false;
         std::chrono::nanoseconds callBegan{0};
         std::optional<std::chrono::nanoseconds> connectedSince;
         std::chrono::nanoseconds restsUntil{0};
@@ -88,6 +94,7 @@ class BluezConnections {
     };
 
     void noteConnection(const UUID& device);
+    void noteBearer(Contact& contact, const std::optional<BluezDevice>& object);
     [[nodiscard]] ConnectFacts facts(const UUID& device, const Contact& contact) const;
     void later(const UUID& device);
     bool perform(ConnectStep step, const UUID& device);

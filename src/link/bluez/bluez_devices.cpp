@@ -23,7 +23,7 @@ std::optional<UUID> BluezDevices::noticed(const QString& path) {
     const auto [found, isNew] = known_.try_emplace(path);
     auto& known = found->second;
     if (isNew) known.identifier = book_.identifierFor(device->address, device->isAddressRandom);
-    if (device->isConnected) {
+    if (device->isConnected && device->classic != ClassicLink::possible) {
         known.nameWhileConnected = device->name;
     } else if (!device->name.empty() && device->name != known.nameWhileConnected) {
         // The signal that it is connected may come after the one with the name that a connection brings.

@@ -1,6 +1,7 @@
 #include "link/bluez/bluez_errors.h"
 
 #include "link/bluez/bluez_names.h"
+#include "link/bluez/bluez_sentences.h"
 
 namespace orbinex {
 
@@ -20,7 +21,8 @@ bool isAborted(const BluezError& error) {
     return error.text == QLatin1String("le-connection-abort-by-local");
 }
 
-/// The code in "Operation failed with ATT error: 0x0e".
+}  // namespace
+
 std::optional<int> attributeCode(const QString& text) {
     const QLatin1String mark("ATT error: 0x");
     const auto at = text.indexOf(mark);
@@ -30,10 +32,8 @@ std::optional<int> attributeCode(const QString& text) {
     return isNumber && code <= 0xff ? std::optional(static_cast<int>(code)) : std::nullopt;
 }
 
-}  // namespace
-
 BluetoothError plainError(const BluezError& error) {
-    return {Kind::other, 0, (error.text.isEmpty() ? error.name : error.text).toStdString()};
+    return {Kind::other, 0, sentenceFor(error)};
 }
 
 ConnectFailure connectFailure(const BluezError& error, bool isBonded, std::chrono::nanoseconds elapsed) {
@@ -63,7 +63,8 @@ BluetoothError forgottenPairing(const BluezError& error) {
 }
 
 BluetoothError notPaired() {
-    return {Kind::attribute, BluetoothError::insufficientAuthentication, "Not paired"};
+    return {Kind::attribute, BluetoothError::insufficientAuthentication,
+            sentenceFor({QString(), QStringLiteral("Not paired")})};
 }
 
 BluetoothError attributeError(const BluezError& error, bool isBonded) {

@@ -32,6 +32,8 @@ inline constexpr std::chrono::seconds promptFailure{3};
 inline constexpr int failuresOfForgottenPairing = 3;
 
 ConnectFailure connectFailure(const BluezError& error, bool isBonded, std::chrono::nanoseconds elapsed);
+/// The code in "Operation failed with ATT error: 0x0e"; nothing when the text has none.
+std::optional<int> attributeCode(const QString& text);
 /// What the link is told of a device that has forgotten the pairing.
 BluetoothError forgottenPairing(const BluezError& error);
 /// Of a failed read, write or subscription.
@@ -40,6 +42,7 @@ BluetoothError attributeError(const BluezError& error, bool isBonded);
 std::optional<BluetoothError> pairingError(const BluezError& error);
 /// For an operation that asks for a secure pairing that there is not.
 BluetoothError notPaired();
+/// For one that nothing is decided by.
 BluetoothError plainError(const BluezError& error);
 
 }  // namespace orbinex

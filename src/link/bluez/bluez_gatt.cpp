@@ -73,8 +73,7 @@ void BluezGatt::discoverServices(const UUID& device, std::span<const UUID> servi
 void BluezGatt::review(const UUID& device) {
     auto* const conversation = this->conversation(device);
     if (!conversation) return;
-    const auto object = devices_.find(device);
-    if (conversation->question && object && object->areServicesResolved && !conversation->isAsking) {
+    if (conversation->question && !conversation->isAsking && areServicesTold(device)) {
         // That they are resolved may be told before they are.
         conversation->isAsking = true;
         askForObjects_();
@@ -82,12 +81,31 @@ void BluezGatt::review(const UUID& device) {
     dropWithdrawnServices(device);
 }
 
+/// Those of classic Bluetooth are resolved as well, and then nothing tells when Low Energy's are, but that
+/// they come.
+bool BluezGatt::areServicesTold(const UUID& device) {
+    auto& conversation = conversations_.at(device);
+    const auto object = devices_.find(device);
+    if (!object || !object->areServicesResolved) return false;
+    if (object->classic == ClassicLink::none || conversation.isOutOfPatience) return true;
+    const auto isThere = [&](const UUID& uuid) {
+        return !findService(objects_, object->path, uuid).isEmpty();
+    };
+    if (std::ranges::all_of(*conversation.question, isThere)) return true;
+    if (!conversation.patience.isActive()) {
+        conversation.patience = queue_.after(servicesPatience, [this, device] {
+            conversations_.at(device).isOutOfPatience = true;
+            review(device);
+        });
+    }
+    return false;
+}
+
 void BluezGatt::objectsTold() {
     for (auto& [device, conversation] : conversations_) {
         queue_.post(conversation.calls->guard([this, device = device] {
             const bool wasAsking = std::exchange(conversations_.at(device).isAsking, false);
-            const auto object = devices_.find(device);
-            if (wasAsking && object && object->areServicesResolved) answerServices(device);
+            if (wasAsking && areServicesTold(device)) answerServices(device);
             review(device);
         }));
     }

@@ -29,6 +29,8 @@ class BluezGatt {
   public:
     /// The Attribute Protocol gives up on a request after 30 s (Core Specification, Vol 3, Part F, 3.3.3).
     static constexpr std::chrono::seconds requestLimit{35};
+    /// So long after it is connected over both bearers, a device's services are taken for all that it has.
+    static constexpr std::chrono::seconds servicesPatience{6};
     /// A subscription that ends on a standing connection is made anew after this, unless that ends too.
     static constexpr std::chrono::seconds resubscribeDelay{1};
     /// Writes that are with BlueZ; the bus itself allows 128 calls without an answer.
@@ -85,6 +87,8 @@ class BluezGatt {
         std::shared_ptr<const Peripheral> peripheral;
         std::optional<std::vector<UUID>> question;  ///< services that are asked for
         bool isAsking = false;                      ///< for the objects that the answer is found in
+        bool isOutOfPatience = false;
+        Timer patience;  ///< with services that may be classic Bluetooth's
         std::map<UUID, QString> services;
         std::map<UUID, Channel> channels;
         int unansweredWrites = 0;
@@ -95,6 +99,7 @@ class BluezGatt {
 
     [[nodiscard]] Conversation* conversation(const UUID& device);
     [[nodiscard]] Channel* channel(const UUID& device, const UUID& characteristic);
+    [[nodiscard]] bool areServicesTold(const UUID& device);
     void answerServices(const UUID& device);
     void dropWithdrawnServices(const UUID& device);
     void read(const UUID& device, const UUID& characteristic);

@@ -9,6 +9,9 @@ inline constexpr const char* service = "org.bluez";
 inline constexpr const char* managerPath = "/org/bluez";
 inline constexpr const char* adapter = "org.bluez.Adapter1";
 inline constexpr const char* device = "org.bluez.Device1";
+/// One for each bearer, where BlueZ is new enough and told to offer what is experimental.
+inline constexpr const char* bearerLE = "org.bluez.Bearer.LE1";
+inline constexpr const char* bearerBREDR = "org.bluez.Bearer.BREDR1";
 inline constexpr const char* gattService = "org.bluez.GattService1";
 inline constexpr const char* characteristic = "org.bluez.GattCharacteristic1";
 inline constexpr const char* agent = "org.bluez.Agent1";

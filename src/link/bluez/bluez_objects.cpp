@@ -107,9 +107,21 @@ std::optional<BluezDevice> readDevice(const BluezObjects& objects, const QString
     device.name = value<QString>(*properties, "Name").value_or(QString()).toStdString();
     if (const auto rssi = value<short>(*properties, "RSSI")) device.rssi = *rssi;
     device.isBonded = value<bool>(*properties, "Bonded").value_or(flag(*properties, "Paired"));
-    // BlueZ 5.66 forgets to tell of a connection when it learns of it by two ways at once.
     device.areServicesResolved = flag(*properties, "ServicesResolved");
+    device.linkInterface = Bluez::device;
+    // BlueZ 5.66 forgets to tell of a connection when it learns of it by two ways at once.
     device.isConnected = device.areServicesResolved || flag(*properties, "Connected");
+    const auto* const bearer = objects.properties(path, Bluez::bearerLE);
+    if (const auto isLinked = bearer ? value<bool>(*bearer, "Connected") : std::nullopt) {
+        device.linkInterface = Bluez::bearerLE;
+        device.isConnected = *isLinked;
+        const auto* const classic = objects.properties(path, Bluez::bearerBREDR);
+        if (classic && flag(*classic, "Connected")) device.classic = ClassicLink::present;
+    } else if (device.isConnected && !device.isAddressRandom &&
+               properties->contains(QStringLiteral("Class"))) {
+        // Only classic Bluetooth knows classes of devices, and it has no random addresses.
+        device.classic = ClassicLink::possible;
+    }
     for (const auto& text : value<QStringList>(*properties, "UUIDs").value_or(QStringList())) {
         if (const auto service = UUID::parse(text.toStdString())) device.services.push_back(*service);
     }

@@ -47,6 +47,14 @@ struct BluezAdapter {
     friend bool operator==(const BluezAdapter&, const BluezAdapter&) = default;
 };
 
+/// What is known of a device's link over classic Bluetooth, as for music or a hotspot. Device1 tells of both
+/// bearers in one, and an iPhone that only plays music is "Connected" as well.
+enum class ClassicLink {
+    none,
+    possible,  ///< that it is connected may mean that one
+    present,
+};
+
 /// A remote device.
 struct BluezDevice {
     QString path;
@@ -59,8 +67,14 @@ struct BluezDevice {
     std::optional<int> rssi;
     /// Paired with keys that are kept. A bonded device's connection is encrypted before BlueZ uses it.
     bool isBonded = false;
+    /// Over Low Energy, unless `classic` says that this is not known.
     bool isConnected = false;
+    /// Of either bearer.
     bool areServicesResolved = false;
+    ClassicLink classic = ClassicLink::none;
+    /// The interface that has Connect and Disconnect for Low Energy, or for both bearers where they are not
+    /// told apart.
+    const char* linkInterface = nullptr;
     std::vector<UUID> services;
 
     [[nodiscard]] bool offers(const UUID& service) const;

@@ -1,5 +1,7 @@
 // Connect requests stay open, cancels are clean in every interleaving, and a phone is not hammered.
 
+#include <array>
+
 #include <gtest/gtest.h>
 
 #include "bluez_world.h"
@@ -86,6 +88,59 @@ TEST(BluezConnect, leavesAloneWhatAnotherProgramHasConnected) {
     world.quit();
     EXPECT_TRUE(world.bluez.isConnected(world.phone));
     world.bluez.drop(world.phone);
+}
+
+TEST(BluezConnect, tellsALinkOfClassicBluetoothFromOneOfLowEnergy) {
+    for (const bool tellsBearers : {false, true}) {
+        SCOPED_TRACE(tellsBearers);
+        BluezWorld world;
+        auto& phone = world.phone;
+        phone.isAddressRandom = false;
+        phone.isBonded = phone.isClassic = phone.hasClassicLink = true;
+        phone.tellsBearers = tellsBearers;
+        world.discover();
+        EXPECT_TRUE(world.central->retrieveConnectedPeripherals(serviceUUID).empty())
+            << "it only plays music";
+        EXPECT_FALSE(world.central->isConnected(world.id()));
+        world.connect();
+        EXPECT_EQ(world.bluez.count("Connect"), 1);
+        EXPECT_TRUE(world.central->isConnected(world.id()));
+        world.take();
+        world.bluez.drop(phone);
+        EXPECT_EQ(world.take(), Lines{"disconnected"}) << "though it plays on";
+        EXPECT_FALSE(world.central->isConnected(world.id()));
+        world.connect();
+        world.take();
+        world.central->cancelConnection(world.id());
+        world.run(1s);
+        EXPECT_EQ(world.take(), Lines{"disconnected"});
+        EXPECT_FALSE(phone.isLinked);
+        EXPECT_EQ(phone.hasClassicLink, tellsBearers)
+            << "one bearer can be ended alone where they are told apart";
+    }
+}
+
+TEST(BluezConnect, waitsForServicesThatComeAfterThoseOfClassicBluetooth) {
+    BluezWorld world;
+    world.phone.isAddressRandom = false;
+    world.phone.isBonded = world.phone.isClassic = world.phone.hasClassicLink = true;
+    world.phone.hasService = false;
+    world.discover();
+    world.central->connect(world.iPhone(), Initiative::user);
+    world.run(1s);
+    ASSERT_EQ(world.take(), Lines{"connected"});
+    world.central->discoverServices(world.id(), std::array{serviceUUID});
+    world.run(5s);
+    EXPECT_EQ(world.take(), Lines{}) << "those that are resolved may be the other bearer's";
+    world.bluez.offerService(world.phone, 0x15);
+    world.settle();
+    EXPECT_EQ(world.take(), Lines{"1 services"});
+    world.bluez.withdrawService(world.phone);
+    world.settle();
+    world.take();
+    world.central->discoverServices(world.id(), std::array{serviceUUID});
+    world.run(20s);
+    EXPECT_EQ(world.take(), Lines{"0 services"}) << "there is none";
 }
 
 TEST(BluezConnect, cancelIsCleanWheneverItComes) {

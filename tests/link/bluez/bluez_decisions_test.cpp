@@ -4,6 +4,7 @@
 
 #include "link/bluez/bluez_adapter_choice.h"
 #include "link/bluez/bluez_errors.h"
+#include "link/bluez/bluez_sentences.h"
 #include "link/bluez/bluez_sightings.h"
 #include "link/bluez/connect_step.h"
 
@@ -111,6 +112,32 @@ TEST(AttributeErrors, carryTheCodeThatTheLinkDecidesBy) {
         EXPECT_EQ(error.code, row.code) << row.error.text.toStdString();
         EXPECT_FALSE(error.description.empty());
     }
+}
+
+TEST(Sentences, sayForAPersonWhatBluetoothdSays) {
+    const struct {
+        BluezError error;
+        const char* expected;
+    } rows[] = {
+        {{failed, "le-connection-abort-by-local"}, "The iPhone did not answer."},
+        {{failed, "br-connection-page-timeout"}, "The iPhone did not answer."},
+        {{failed, "le-connection-abort-by-remote"}, "The iPhone ended the connection."},
+        {{failed, "Operation failed with ATT error: 0x0e"}, "The iPhone reported an unexpected error."},
+        {{failed, "Operation failed with ATT error: 0x11"}, "The iPhone is busy."},
+        {{"org.bluez.Error.NotPermitted", "Notify acquired"},
+         "Another program uses this iPhone's Orbinex service."},
+        {{"org.bluez.Error.NotReady", "Resource Not Ready"},
+         "Bluetooth is not ready yet. Try again in a moment."},
+        {{"org.freedesktop.DBus.Error.AccessDenied", "Rejected send message, 2 matched rules"},
+         "Programs of this user may not use Bluetooth on this computer."},
+        {{"org.freedesktop.DBus.Error.NoReply", ""},
+         "The Bluetooth service of this computer does not answer."},
+        {{failed, "something new"}, "Bluetooth reported: something new."},
+        {{"org.bluez.Error.New", ""}, "Bluetooth reported: org.bluez.Error.New."},
+        {{failed, "Operation failed with ATT error: 0x90"},
+         "Bluetooth reported: Operation failed with ATT error: 0x90."},
+    };
+    for (const auto& row : rows) EXPECT_EQ(sentenceFor(row.error), row.expected);
 }
 
 TEST(PairingErrors, areTheOnesThatTheLinkTakesForFailedPairing) {

@@ -84,7 +84,7 @@ TEST(BluezGatt, takesUpASessionThatHasOutlivedItsConnection) {
     EXPECT_EQ(world.take(), Lines{"mouse on"});
     world.bluez.change(pathOf(world, mouse), Bluez::characteristic, {{"Notifying", false}});
     world.central->setNotify(world.id(), mouse, true);
-    EXPECT_EQ(world.take(), Lines{"mouse off: In Progress"});
+    EXPECT_EQ(world.take(), Lines{"mouse off: Bluetooth is busy. Try again in a moment."});
     world.bluez.scripts.clear();
 }
 
@@ -218,16 +218,17 @@ TEST(BluezGatt, classifiesFailedReads) {
          },
          "info=: attribute 15"},
         {[](FakeBluez& bluez) { bluez.refuse("ReadValue", "org.bluez.Error.Failed", "Not connected"); },
-         "info=: Not connected"},
-        {[](FakeBluez& bluez) { bluez.hang("ReadValue"); }, "info=: The Bluetooth service does not answer"},
+         "info=: The iPhone is no longer connected."},
+        {[](FakeBluez& bluez) { bluez.hang("ReadValue"); },
+         "info=: The Bluetooth service of this computer does not answer."},
         {[](FakeBluez& bluez) {
              bluez.scripts["ReadValue"] = [&](const QDBusMessage& call) { bluez.answer(call, {"text"}); };
          },
-         "info=: No value"},
+         "info=: The iPhone sent nothing."},
         {[](FakeBluez& bluez) {
              bluez.scripts["ReadValue"] = [&](const QDBusMessage& call) { bluez.answer(call); };
          },
-         "info=: No value"},
+         "info=: The iPhone sent nothing."},
     };
     for (const auto& row : rows) {
         BluezWorld world;

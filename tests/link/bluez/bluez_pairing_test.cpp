@@ -103,7 +103,7 @@ TEST(BluezPairing, endsAsTheUserAndThePhoneWish) {
         {"RegisterAgent is never answered",
          [](BluezWorld& world) { world.bluez.hang("RegisterAgent"); },
          [](BluezWorld& world) { world.run(15s); },
-         {"info=: The Bluetooth service does not answer"},
+         {"info=: The Bluetooth service of this computer does not answer."},
          0},
     };
     for (const auto& row : rows) {

@@ -177,7 +177,8 @@ void FakeBluez::act(const QDBusMessage& call) {
         return answer(call, {QVariant::fromValue(QDBusVariant(value))});
     }
     FakePhone& phone = *phoneAt(call.path());
-    if (call.interface() == Bluez::device) return actOnDevice(call, phone);
+    if (call.interface() == Bluez::device || call.interface() == Bluez::bearerLE)
+        return actOnDevice(call, phone);
     actOnCharacteristic(call, phone);
 }
 
@@ -218,6 +219,7 @@ void FakeBluez::actOnDevice(const QDBusMessage& call, FakePhone& phone) {
         endConnecting("br-connection-canceled");
         if (answersFirst) answer(call);
         if (isConnected(phone)) drop(phone);
+        if (call.interface() == Bluez::device && phone.hasClassicLink) setClassicLink(phone, false);
         if (!answersFirst) answer(call);
         return;
     }
@@ -315,6 +317,7 @@ FakePhone* FakeBluez::phoneAt(const QString& path) {
 }
 
 bool FakeBluez::isConnected(const FakePhone& phone) const {
+    if (phone.hasClassicLink) return phone.isLinked;
     const auto found = objects.find(phone.path);
     return found != objects.end() && found->second[Bluez::device]["Connected"].toBool();
 }
@@ -331,7 +334,14 @@ BluezInterfaces FakeBluez::deviceObject(const FakePhone& phone) const {
                            {"Connected", false},
                            {"ServicesResolved", false}};
     if (isDiscovering_) properties["RSSI"] = QVariant::fromValue<short>(-60);
-    return {{Bluez::device, properties}};
+    if (phone.isClassic) properties["Class"] = 0x7a020cU;
+    if (phone.hasClassicLink) properties["Connected"] = properties["ServicesResolved"] = true;
+    BluezInterfaces interfaces{{Bluez::device, properties}};
+    if (phone.tellsBearers) {
+        interfaces[Bluez::bearerLE] = {{"Connected", false}};
+        interfaces[Bluez::bearerBREDR] = {{"Connected", phone.hasClassicLink}};
+    }
+    return interfaces;
 }
 
 void FakeBluez::advertise(FakePhone& phone) {
@@ -344,6 +354,8 @@ void FakeBluez::advertise(FakePhone& phone) {
 
 void FakeBluez::connectPhone(FakePhone& phone) {
     // BlueZ reads the device's own name and overwrites what was advertised.
+    phone.isLinked = true;
+    if (phone.tellsBearers) change(phone.path, Bluez::bearerLE, {{"Connected", true}});
     change(phone.path, Bluez::device, {{"Connected", true}});
     change(phone.path, Bluez::device, {{"Name", "Somebody's phone"}, {"Alias", "Somebody's phone"}});
     if (phone.hasService && phone.service.isEmpty()) offerService(phone, 0x15);
@@ -352,7 +364,16 @@ void FakeBluez::connectPhone(FakePhone& phone) {
 
 void FakeBluez::drop(FakePhone& phone) {
     closeSockets(phone.path);
-    change(phone.path, Bluez::device, {{"ServicesResolved", false}, {"Connected", false}});
+    phone.isLinked = false;
+    if (phone.tellsBearers) change(phone.path, Bluez::bearerLE, {{"Connected", false}});
+    change(phone.path, Bluez::device, {{"ServicesResolved", false}, {"Connected", phone.hasClassicLink}});
+}
+
+void FakeBluez::setClassicLink(FakePhone& phone, bool isThere) {
+    phone.hasClassicLink = isThere;
+    if (phone.tellsBearers) change(phone.path, Bluez::bearerBREDR, {{"Connected", isThere}});
+    const bool isConnected = isThere || phone.isLinked;
+    change(phone.path, Bluez::device, {{"Connected", isConnected}, {"ServicesResolved", isConnected}});
 }
 
 void FakeBluez::bond(FakePhone& phone) {

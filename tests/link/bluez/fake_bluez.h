@@ -34,8 +34,12 @@ struct FakePhone {
     bool offersSockets = true;
     std::vector<UUID> characteristics;
     QByteArray info = "info";
-    QString path;     ///< of its object, while there is one
-    QString service;  ///< of its service's object, while there is one
+    bool isClassic = false;       ///< speaks classic Bluetooth as well, at a public address
+    bool hasClassicLink = false;  ///< for music, say
+    bool tellsBearers = false;    ///< as newer versions do
+    bool isLinked = false;        ///< over Low Energy
+    QString path;                 ///< of its object, while there is one
+    QString service;              ///< of its service's object, while there is one
 };
 
 /// A bluetoothd, as far as a central sees one: its objects, its answers, and what it was asked. Every call is
@@ -82,6 +86,7 @@ class FakeBluez final : public QDBusVirtualObject {
     void advertise(FakePhone& phone);
     void connectPhone(FakePhone& phone);
     void drop(FakePhone& phone);
+    void setClassicLink(FakePhone& phone, bool isThere);
     void bond(FakePhone& phone);
     void offerService(FakePhone& phone, int handle);
     void withdrawService(FakePhone& phone);
