@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "editor_bridge/bridge_lines.h"
-#include "editor_bridge/script_output.h"
+#include "editor_bridge/line_reader.h"
 #include "editor_bridge/session_edits.h"
 #include "editor_bridge/timecode.h"
 #include "require.h"
@@ -35,8 +35,8 @@ void readTrack(std::string_view line, DAWSessionSnapshot& session) {
     REQUIRE(parsed->voiceIsolationAmount >= 0 && parsed->voiceIsolationAmount <= 100);
     REQUIRE(std::isfinite(parsed->pan) && std::isfinite(parsed->dialogueLevelerGainDB));
     DAWTrackState track;
-    read(*parsed, findTrack(session, parsed->index), track);
-    put(track, session);
+    readTrack(*parsed, findTrack(session, parsed->index), track);
+    putTrack(track, session);
     REQUIRE(findAudioTrack(session, parsed->index) && *findAudioTrack(session, parsed->index) == track);
 }
 
@@ -44,7 +44,7 @@ void readHeader(std::string_view line, DAWSessionSnapshot& session) {
     const auto parsed = parseHeaderLine(line);
     if (!parsed) return;
     REQUIRE(parsed->trackCount >= 1 && parsed->nodeCount >= 1);
-    apply(*parsed, session);
+    applyHeader(*parsed, session);
     REQUIRE(std::ranges::all_of(session.tracks, [&](const DAWTrackState& track) {
         return track.isMaster || track.index <= parsed->trackCount;
     }));

@@ -15,10 +15,10 @@
 #include "editor_bridge/command_file.h"
 #include "editor_bridge/editor_bridge.h"
 #include "editor_bridge/fader_reports.h"
+#include "editor_bridge/line_reader.h"
 #include "editor_bridge/midi_endpoints.h"
 #include "editor_bridge/playback_tracker.h"
 #include "editor_bridge/script_host.h"
-#include "editor_bridge/script_output.h"
 #include "editor_bridge/system_volume.h"
 #include "editor_bridge/workspace.h"
 #include "protocol/meter_packet.h"
@@ -35,10 +35,10 @@ struct TimecodeLine;
 /// | file | duty |
 /// |---|---|
 /// | app_watcher_daemon.cpp | creation, applications, the link's coming and going |
-/// | script_bridge.cpp | the script's process, what it prints, what it is told |
-/// | commands.cpp | the iPhone's commands, the session that is sent, the system's volume |
-/// | midi_surface_duty.cpp | the MIDI surface: commands out, the workstation's faders in |
-/// | telemetry.cpp | timecode, playback, transport keys, the meter tick |
+/// | daemon_script.cpp | the script's process, what it prints, what it is told |
+/// | daemon_commands.cpp | the iPhone's commands, the session that is sent, the system's volume |
+/// | daemon_midi.cpp | the MIDI surface: commands out, the workstation's faders in |
+/// | daemon_telemetry.cpp | timecode, playback, transport keys, the meter tick |
 class AppWatcherDaemon final : public EditorBridge {
   public:
     using Uptime = std::chrono::nanoseconds;

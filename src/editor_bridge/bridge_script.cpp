@@ -1,7 +1,5 @@
 #include "editor_bridge/bridge_script.h"
 
-#include "editor_bridge/bridge_script_text.h"
-
 namespace orbinex {
 
 namespace {

@@ -107,11 +107,11 @@ DAWTrackState* findTrack(DAWSessionSnapshot& session, std::int64_t index) {
     return const_cast<DAWTrackState*>(findTrack(std::as_const(session), index));
 }
 
-void apply(const DAWCommand& command, DAWSessionSnapshot& session) {
+void applyCommand(const DAWCommand& command, DAWSessionSnapshot& session) {
     std::visit(SessionEditor{session}, command.value);
 }
 
-void apply(const HeaderLine& line, DAWSessionSnapshot& session) {
+void applyHeader(const HeaderLine& line, DAWSessionSnapshot& session) {
     session.clipsLinked = line.clipsLinked;
     session.colorState.clipName = line.clipName;
     session.colorState.nodeCount = line.nodeCount;
@@ -120,7 +120,7 @@ void apply(const HeaderLine& line, DAWSessionSnapshot& session) {
     });
 }
 
-void read(const TrackLine& line, const DAWTrackState* before, DAWTrackState& track) {
+void readTrack(const TrackLine& line, const DAWTrackState* before, DAWTrackState& track) {
     track.index = line.index;
     track.totalTracks = line.totalTracks;
     assignNumbered(track.badge, "A", line.index);
@@ -153,7 +153,7 @@ const DAWTrackState* findAudioTrack(const DAWSessionSnapshot& session, std::int6
     return isThere ? &*place : nullptr;
 }
 
-void put(const DAWTrackState& track, DAWSessionSnapshot& session) {
+void putTrack(const DAWTrackState& track, DAWSessionSnapshot& session) {
     const auto place = placeOf(session.tracks, track.index);
     const bool isThere = place != session.tracks.end() && !place->isMaster && place->index == track.index;
     if (isThere) {

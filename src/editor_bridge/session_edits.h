@@ -18,17 +18,17 @@ DAWTrackState* findTrack(DAWSessionSnapshot& session, std::int64_t index);
 /// range of a fader, pan to -100...100, the leveler's gain to -12...12 dB, the isolation's amount to 0...100;
 /// colours are not limited. Commands about tracks that are not there, and those that are not about the
 /// session (page, timecode, selection), change nothing.
-void apply(const DAWCommand& command, DAWSessionSnapshot& session);
+void applyCommand(const DAWCommand& command, DAWSessionSnapshot& session);
 
 /// Takes over what a header tells, and drops the tracks that it no longer counts.
-void apply(const HeaderLine& line, DAWSessionSnapshot& session);
+void applyHeader(const HeaderLine& line, DAWSessionSnapshot& session);
 
 /// Makes `track` what the line tells; whether it is solo or armed no line tells, so that comes from `before`,
 /// which may be null. Strings are written into those that are there, without allocating when they fit.
-void read(const TrackLine& line, const DAWTrackState* before, DAWTrackState& track);
+void readTrack(const TrackLine& line, const DAWTrackState* before, DAWTrackState& track);
 /// The track that is no master and has this index; null when there is none.
 const DAWTrackState* findAudioTrack(const DAWSessionSnapshot& session, std::int64_t index);
 /// Replaces the track with the same index that is no master, or adds one in its place.
-void put(const DAWTrackState& track, DAWSessionSnapshot& session);
+void putTrack(const DAWTrackState& track, DAWSessionSnapshot& session);
 
 }  // namespace orbinex

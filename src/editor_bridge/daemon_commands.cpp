@@ -61,7 +61,7 @@ void AppWatcherDaemon::applyCommandLocally(const DAWCommand& command) {
                    },
                    [](const DAWCommand::RequestSnapshot&) {},
                    [&](const auto&) {
-                       dawSnapshot.edit([&](DAWSessionSnapshot& session) { apply(command, session); });
+                       dawSnapshot.edit([&](DAWSessionSnapshot& session) { applyCommand(command, session); });
                    },
                },
                command.value);

@@ -62,7 +62,7 @@ void AppWatcherDaemon::handleHeaderLine(std::string_view line) {
     const auto header = parseHeaderLine(line);
     if (!header) return;
     setEditor(knownEditors().front());
-    dawSnapshot.edit([&](DAWSessionSnapshot& session) { apply(*header, session); });
+    dawSnapshot.edit([&](DAWSessionSnapshot& session) { applyHeader(*header, session); });
     if (isBLEClientConnected_) send(encodeHeader(*dawSnapshot));
 }
 
@@ -80,9 +80,9 @@ void AppWatcherDaemon::handleTrackLine(std::string_view line) {
     clip.filePath = track->filePath;
 
     const auto* const before = findAudioTrack(*dawSnapshot, track->index);
-    read(*track, findTrack(*dawSnapshot, track->index), nextTrack_);
+    readTrack(*track, findTrack(*dawSnapshot, track->index), nextTrack_);
     if (!before || *before != nextTrack_) {
-        dawSnapshot.edit([this](DAWSessionSnapshot& session) { put(nextTrack_, session); });
+        dawSnapshot.edit([this](DAWSessionSnapshot& session) { putTrack(nextTrack_, session); });
     }
     if (isBLEClientConnected_) send(encodeTrack(nextTrack_));
 }
