@@ -160,29 +160,14 @@ TEST_F(EditorSessionTest, carriesEveryCommandThereAndTheNewStateBack) {
         {"VOL|2|-6.5",
          {R"(clip(2, 1):SetProperty("AudioVolume", -6.5))"},
          track(2, [](const auto& t) { return t.volumeDB == -6.5; })},
-        {"PAN|2|-30",
-         {R"(clip(2, 1):SetProperty("AudioPan", -30))"},
-         track(2, [](const auto& t) { return t.pan == -30; })},
         {"MUTE|2|1",
          {R"(timeline:SetTrackEnable("audio", 2, false))"},
          track(2, [](const auto& t) { return t.isMuted; })},
-        {"SOLO|2|1", {}, track(2, [](const auto& t) { return t.isSolo; })},
-        {"ARM|1|1",
-         {R"(timeline:SetTrackLock("audio", 1, true))"},
-         track(1, [](const auto& t) { return t.isLocked && t.isArmed; })},
         {"VISO|1|1|80",
          {R"(timeline:SetVoiceIsolationState(1, {amount = 80, isEnabled = true}))",
           R"(clip(1, 1):SetProperty("AudioVoiceIsolationEnabled", true))",
           R"(clip(1, 1):SetProperty("AudioVoiceIsolationAmount", 80))"},
          track(1, [](const auto& t) { return t.voiceIsolationEnabled && t.voiceIsolationAmount == 80; })},
-        {"DLEV|1|1|2.5",
-         {R"(clip(1, 1):SetProperty("AudioDialogueLevelerEnabled", true))",
-          R"(clip(1, 1):SetProperty("AudioDialogueLevelerOutputGain", 2.5))"},
-         track(1, [](const auto& t) { return t.dialogueLevelerEnabled && t.dialogueLevelerGainDB == 2.5; })},
-        {"LINK|0", {"timeline:SetClipsLinked(false)"}, header([](const auto& h) { return !h.clipsLinked; })},
-        {"PAGE|Color", {R"(resolve:OpenPage("color"))"}, telemetry([](const auto& t) {
-             return t.pageName == "COLOR";
-         })},
         {"TC|01:00:03:00", {R"(timeline:SetCurrentTimecode("01:00:03:00"))"}, telemetry([](const auto& t) {
              return t.timecode == "01:00:03:00";
          })},
@@ -190,12 +175,8 @@ TEST_F(EditorSessionTest, carriesEveryCommandThereAndTheNewStateBack) {
          {R"(video:SetCDL({NodeIndex = "2", Offset = "0.1000 0.0000 0.0000", Power = "1.0000 1.0000 1.0000", )"
           R"(Saturation = "0.900", Slope = "1.2000 1.0000 1.0000"}))"},
          header([](const auto& h) { return h.selectedNodeIndex == 2; })},
-        {"NEN|3|0", {"graph:SetNodeEnabled(3, false)"}, header([](const auto& h) {
-             return h.selectedNodeIndex == 3 && !h.isNodeEnabled;
-         })},
         {"SEL|2", {}, [](EditorSessionTest& test) { return test.bridge.selectedTrackIndex() == 2; }},
         {"VOL|0|-6", {}, track(0, [](const auto& t) { return t.volumeDB == -6; })},
-        {"SYNC", {}, header([](const auto& h) { return h.projectName == "Reel 1"; })},
     };
     volume.position = 0.78;
     for (const auto& row : rows) {
@@ -216,12 +197,11 @@ TEST_F(EditorSessionTest, carriesEveryCommandThereAndTheNewStateBack) {
     send("SYNC");
     EXPECT_TRUE(waitFor([&] {
         const auto* told = lastTrack(2);
-        return told && told->isMuted && told->isSolo && told->volumeDB == -6.5 && lastTelemetry() &&
+        return told && told->isMuted && told->volumeDB == -6.5 && lastTelemetry() &&
                lastTelemetry()->timecode == "01:00:02:12";
     }));
-}
 
-TEST_F(EditorSessionTest, tellsThatTheEditorPlays) {
+    editor.open(session());
     editor.play(86'450, 1);
     EXPECT_TRUE(waitFor([&] { return lastTelemetry() && lastTelemetry()->playbackSpeed == "1X"; }));
     editor.play(86'450, 4);
@@ -256,6 +236,14 @@ TEST_F(EditorSessionTest, metersTheClipUnderThePlayhead) {
     }));
 }
 
+/// The one that runs the script.
+pid_t childProcess() {
+    const auto number = std::to_string(::getpid());
+    std::ifstream children("/proc/self/task/" + number + "/children");
+    pid_t child = 0;
+    return children >> child ? child : 0;
+}
+
 TEST_F(EditorSessionTest, survivesTheEndOfTheEditorAndOfItsHost) {
     send("MUTE|2|1");
     ASSERT_TRUE(waitFor([&] { return editor.calls().size() == 1; }));
@@ -272,17 +260,8 @@ TEST_F(EditorSessionTest, survivesTheEndOfTheEditorAndOfItsHost) {
         waitFor([&] { return editor.calls() == Lines{R"(timeline:SetTrackLock("audio", 1, true))"}; }));
     EXPECT_TRUE(waitFor([&] { return lastTrack(1) && lastTrack(1)->isLocked; }));
     EXPECT_TRUE(waitFor([&] { return lastTrack(2) && !lastTrack(2)->isMuted; })) << "another editor now";
-}
 
-/// The one that runs the script.
-pid_t childProcess() {
-    const auto number = std::to_string(::getpid());
-    std::ifstream children("/proc/self/task/" + number + "/children");
-    pid_t child = 0;
-    return children >> child ? child : 0;
-}
-
-TEST_F(EditorSessionTest, startsAHostAgainThatWasKilled) {
+    editor.forgetCalls();
     const pid_t killed = childProcess();
     ASSERT_GT(killed, 0);
     ::kill(killed, SIGKILL);

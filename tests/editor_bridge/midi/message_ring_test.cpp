@@ -1,7 +1,6 @@
 #include "editor_bridge/midi/message_ring.h"
 
 #include <cstdint>
-#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -25,33 +24,6 @@ TEST(MessageRing, dropsTheNewestWhenItIsFullAndGoesOnWhenThereIsRoom) {
         }
         EXPECT_EQ(ring.front(), nullptr);
     }
-}
-
-TEST(MessageRing, keepsTheOrderBetweenTwoThreads) {
-    constexpr std::uint32_t count = 200'000;
-    MessageRing ring(1024);
-    std::thread writer([&] {
-        for (std::uint32_t i = 0; i < count;) {
-            if (ring.push(numbered(i))) {
-                ++i;
-            } else {
-                std::this_thread::yield();
-            }
-        }
-    });
-    std::uint32_t wrong = 0;
-    for (std::uint32_t i = 0; i < count;) {
-        const auto* const message = ring.front();
-        if (!message) {
-            std::this_thread::yield();
-            continue;
-        }
-        wrong += *message == numbered(i) ? 0U : 1U;
-        ring.pop();
-        ++i;
-    }
-    writer.join();
-    EXPECT_EQ(wrong, 0U);
 }
 
 }  // namespace
