@@ -44,14 +44,5 @@ TEST(PlaybackTracker, tellsASpeedFromTwoStepsThatAreCloseTogether) {
     }
 }
 
-TEST(PlaybackTracker, countsTheTimeFromTheLastStepNotFromTheLastReport) {
-    PlaybackTracker tracker;
-    EXPECT_EQ(tracker.observe("00:00:00:00", "00:00:00:01", 24, 1s).movement, Movement::jumped);
-    EXPECT_EQ(tracker.observe("00:00:00:01", "00:00:00:01", 24, 1100ms).movement, Movement::none);
-    EXPECT_EQ(tracker.observe("00:00:00:01", "broken", 24, 1200ms).movement, Movement::none);
-    EXPECT_EQ(tracker.observe("00:00:00:01", "00:00:00:06", 24, 1240ms),
-              (PlaybackTracker::Step{Movement::played, "1X"}));
-}
-
 }  // namespace
 }  // namespace orbinex

@@ -124,6 +124,10 @@ TEST(Telemetry, isToldOnceAndOnlyWhenItHasChanged) {
     world.print(timecodeLine("01:00:10:01", "29.97"));
     EXPECT_EQ(world.told.size(), 3U);
     EXPECT_EQ(world.packetKinds(), "");
+    world.print(
+        "OXTC|01:00:10:01|29.97|RESOLVE 19.1|Cut 3|édition|1|0\nOXTRK|1|3|A|Take|stéréo|1|0|0|0|0|65|0|0\n");
+    EXPECT_EQ(world.told.back().pageName, "ÉDITION");
+    EXPECT_EQ(world.session().tracks[0].format, "STÉRÉO");
 }
 
 TEST(Telemetry, keepsThePlayhead) {
