@@ -24,10 +24,10 @@ class AccessibilityPermissionManager {
     AccessibilityPermissionManager(const AccessibilityPermissionManager&) = delete;
     AccessibilityPermissionManager& operator=(const AccessibilityPermissionManager&) = delete;
 
-    Published<bool> isAccessibilityGranted;
+    Published<bool, AccessibilityPermissionManager> isAccessibilityGranted;
     /// What is missing and what can be done, as the platform tells it; empty while it is granted, and where
     /// there is nothing to tell. Follows the flag.
-    Published<std::string> explanation;
+    Published<std::string, AccessibilityPermissionManager> explanation;
 
     /// Looks without asking; an unchanged answer is not announced again.
     void refresh();

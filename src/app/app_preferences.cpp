@@ -27,7 +27,7 @@ AppPreferences::AppPreferences(UserDefaults& defaults)
       defaults_(defaults),
       commandKey_(defaults.string(commandKeyKey) == "super" ? CommandKey::super : CommandKey::control) {}
 
-void AppPreferences::assign(Published<bool>& preference, const char* key, bool value) {
+void AppPreferences::assign(Published<bool, AppPreferences>& preference, const char* key, bool value) {
     preference = value;
     defaults_.setBoolean(key, value);
 }

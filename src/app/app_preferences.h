@@ -18,12 +18,12 @@ class AppPreferences {
     /// The settings must outlive the preferences. Both places stored as off load as both on.
     explicit AppPreferences(UserDefaults& defaults);
 
-    /// The program's windows stand in the task bar and the window switcher. Assign through setShowInDock.
-    Published<bool> showInDock;
-    /// The tray icon is there. Assign through setShowMenuBarIcon.
-    Published<bool> showMenuBarIcon;
-    /// Trusted iPhones are connected by themselves. Assign through setAutoConnect.
-    Published<bool> autoConnect;
+    /// The program's windows stand in the task bar and the window switcher.
+    Published<bool, AppPreferences> showInDock;
+    /// The tray icon is there.
+    Published<bool, AppPreferences> showMenuBarIcon;
+    /// Trusted iPhones are connected by themselves.
+    Published<bool, AppPreferences> autoConnect;
 
     /// Turning it off turns the tray icon on.
     void setShowInDock(bool shown);
@@ -44,7 +44,7 @@ class AppPreferences {
     [[nodiscard]] CommandKey commandKey() const { return commandKey_; }
 
   private:
-    void assign(Published<bool>& preference, const char* key, bool value);
+    void assign(Published<bool, AppPreferences>& preference, const char* key, bool value);
 
     UserDefaults& defaults_;
     CommandKey commandKey_;

@@ -27,7 +27,7 @@ class AppRelocationManager {
     AppRelocationManager& operator=(const AppRelocationManager&) = delete;
 
     /// The message box that waits for an answer. Nobody need show it: then nothing more happens.
-    Published<std::optional<RelocationAlert>> alert;
+    Published<std::optional<RelocationAlert>, AppRelocationManager> alert;
 
     /// The check at launch; returns at once, the alert follows.
     void offerMoveIfNeeded();

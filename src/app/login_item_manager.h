@@ -18,9 +18,9 @@ class LoginItemManager {
     LoginItemManager(const LoginItemManager&) = delete;
     LoginItemManager& operator=(const LoginItemManager&) = delete;
 
-    Published<LoginItemStatus> status;
+    Published<LoginItemStatus, LoginItemManager> status;
     /// Why the last change, or the last look at the desktop's settings, failed; nothing when it succeeded.
-    Published<std::optional<std::string>> lastError;
+    Published<std::optional<std::string>, LoginItemManager> lastError;
 
     /// A switch shows as on: the person wants it, whether or not the desktop lets it.
     [[nodiscard]] bool isOn() const;

@@ -16,13 +16,16 @@ class ReportingUrlOpener final : public UrlOpener {
     explicit ReportingUrlOpener(UrlOpener& opener) : opener_(opener) {}
 
     /// The last address that could not be opened, until somebody has read of it.
-    Published<std::optional<std::string>> unopened;
+    Published<std::optional<std::string>, ReportingUrlOpener> unopened;
 
     bool open(std::string_view url) override {
         const bool isOpened = opener_.open(url);
         if (!isOpened) unopened = std::string(url);
         return isOpened;
     }
+
+    /// Somebody has read of it.
+    void acknowledge() { unopened = std::nullopt; }
 
   private:
     UrlOpener& opener_;

@@ -6,10 +6,10 @@
 
 namespace orbinex {
 
-/// A value that others can watch. Every assignment is announced, also one of an equal value: the owner
-/// decides what counts as a change. Observers of the coming change see the new value as the argument while
-/// get() still gives the old one.
-template <class Value>
+/// A value that its owner alone changes and that others read and watch. Every assignment is announced, also
+/// one of an equal value: the owner decides what counts as a change. Observers of the coming change see the
+/// new value as the argument while get() still gives the old one.
+template <class Value, class Owner>
 class Published {
   public:
     using Observer = typename Signal<Value>::Observer;
@@ -20,6 +20,19 @@ class Published {
     [[nodiscard]] const Value& get() const { return value_; }
     const Value& operator*() const { return value_; }
     const Value* operator->() const { return &value_; }
+
+    /// Called before an assignment with the value to come.
+    [[nodiscard]] Subscription onWillChange(Observer observer) {
+        return willChange_.subscribe(std::move(observer));
+    }
+    /// Called after an assignment with the value assigned.
+    [[nodiscard]] Subscription onDidChange(Observer observer) {
+        return didChange_.subscribe(std::move(observer));
+    }
+
+  private:
+    friend Owner;
+    friend struct PublishInTest;  // tests/support/publish_in_test.h
 
     void set(Value next) {
         willChange_.emit(next);
@@ -47,16 +60,6 @@ class Published {
         didChange_.emit(value_);
     }
 
-    /// Called before an assignment with the value to come.
-    [[nodiscard]] Subscription onWillChange(Observer observer) {
-        return willChange_.subscribe(std::move(observer));
-    }
-    /// Called after an assignment with the value assigned.
-    [[nodiscard]] Subscription onDidChange(Observer observer) {
-        return didChange_.subscribe(std::move(observer));
-    }
-
-  private:
     Value value_{};
     Signal<Value> willChange_;
     Signal<Value> didChange_;

@@ -41,7 +41,7 @@ void AppWatcherDaemon::refreshCurrentApp() {
 }
 
 void AppWatcherDaemon::publishCurrentApp(const RunningApplication& application) {
-    activeBundleID = application.bundleID;
+    setActiveBundleID(application.bundleID);
     activeAppName = application.localizedName;
     updateEditorIdentity(application.bundleID);
     if (onActiveAppChanged) onActiveAppChanged(application.bundleID);

@@ -73,9 +73,9 @@ class AppWatcherDaemon final : public EditorBridge {
     /// Sends header, tracks and meters, if the iPhone is connected.
     void broadcastFullDAWSnapshot();
 
-    Published<std::string> activeAppName;
-    Published<DAWSessionSnapshot> dawSnapshot{DAWSessionSnapshot::placeholder()};
-    Published<DAWMeterPacket> latestMeterPacket{DAWMeterPacket::placeholder()};
+    Published<std::string, AppWatcherDaemon> activeAppName;
+    Published<DAWSessionSnapshot, AppWatcherDaemon> dawSnapshot{DAWSessionSnapshot::placeholder()};
+    Published<DAWMeterPacket, AppWatcherDaemon> latestMeterPacket{DAWMeterPacket::placeholder()};
 
     [[nodiscard]] const ResolveTrackClips& trackClipMetaByIndex() const { return trackClipMetaByIndex_; }
     /// Timeline frame at which the playhead was when it was last reported or moved, and when that was.

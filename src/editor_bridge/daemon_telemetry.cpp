@@ -10,7 +10,7 @@
 namespace orbinex {
 
 void AppWatcherDaemon::publishTelemetry(const SessionTelemetry& telemetry) {
-    currentTelemetry = telemetry;
+    setCurrentTelemetry(telemetry);
     if (onTelemetryChanged) onTelemetryChanged(telemetry);
 }
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <utility>
 
 #include "base/bytes.h"
 #include "base/published.h"
@@ -28,20 +29,24 @@ class EditorBridge {
     virtual void handleTransportKey(std::uint16_t keycode, ModifierFlags modifiers) = 0;
 
     /// The frontmost application's identifier, empty when it has none or none is known.
-    Published<std::string> activeBundleID;
-    Published<SessionTelemetry> currentTelemetry{{.timecode = "01:00:00:00",
-                                                  .fps = 24.0,
-                                                  .appVersion = "RESOLVE",
-                                                  .timelineName = "Timeline",
-                                                  .pageName = "EDIT",
-                                                  .playbackSpeed = "0X",
-                                                  .isPlaying = false}};
+    Published<std::string, EditorBridge> activeBundleID;
+    Published<SessionTelemetry, EditorBridge> currentTelemetry{{.timecode = "01:00:00:00",
+                                                                .fps = 24.0,
+                                                                .appVersion = "RESOLVE",
+                                                                .timelineName = "Timeline",
+                                                                .pageName = "EDIT",
+                                                                .playbackSpeed = "0X",
+                                                                .isPlaying = false}};
 
     /// The frontmost application has changed.
     std::function<void(const std::string& bundleID)> onActiveAppChanged;
     std::function<void(const SessionTelemetry&)> onTelemetryChanged;
     /// A complete control message (header, track or meter) to be sent as it is.
     std::function<void(ByteView message)> onDAWPacketReady;
+
+  protected:
+    void setActiveBundleID(std::string bundleID) { activeBundleID = std::move(bundleID); }
+    void setCurrentTelemetry(SessionTelemetry telemetry) { currentTelemetry = std::move(telemetry); }
 };
 
 }  // namespace orbinex

@@ -62,15 +62,15 @@ class CentralBLEManager final : private BluetoothCentral::Delegate {
     /// Ends a connected session as onConnectionLost tells, and stops the central.
     ~CentralBLEManager();
 
-    Published<Phase> phase{Phase::searching};
-    Published<BluetoothState> bluetoothState{BluetoothState::unknown};
+    Published<Phase, CentralBLEManager> phase{Phase::searching};
+    Published<BluetoothState, CentralBLEManager> bluetoothState{BluetoothState::unknown};
     /// In the order in which they were first heard.
-    Published<NearbyList> nearbyDevices;
-    Published<std::optional<ActiveDevice>> activeDevice;
-    Published<std::string> statusMessage;
-    Published<bool> isScanning{false};
-    /// The alert to be shown; whoever has shown it sets it back to nothing.
-    Published<std::optional<BLEAlert>> alert;
+    Published<NearbyList, CentralBLEManager> nearbyDevices;
+    Published<std::optional<ActiveDevice>, CentralBLEManager> activeDevice;
+    Published<std::string, CentralBLEManager> statusMessage;
+    Published<bool, CentralBLEManager> isScanning{false};
+    /// The alert to be shown, until dismissAlert().
+    Published<std::optional<BLEAlert>, CentralBLEManager> alert;
 
     /// Every input packet of a connected session, in order.
     std::function<void(const DecodedPacket&)> onInputPacket;
@@ -90,6 +90,8 @@ class CentralBLEManager final : private BluetoothCentral::Delegate {
     void cancelConnectionAttempt();
     void disconnect();
     void forgetDevice(const TrustedDevice& device);
+    /// The alert has been read.
+    void dismissAlert() { alert = std::nullopt; }
     /// Searches anew, and connects what was found without a service before.
     void rescan();
 

@@ -13,14 +13,14 @@ namespace orbinex {
 class RecordingBridge final : public EditorBridge {
   public:
     RecordingBridge() {
-        activeBundleID = "org.example.editor";
-        currentTelemetry = SessionTelemetry{.timecode = "01:02:03:04",
-                                            .fps = 25,
-                                            .appVersion = "EDITOR",
-                                            .timelineName = "Reel 1",
-                                            .pageName = "EDIT",
-                                            .playbackSpeed = "0X",
-                                            .isPlaying = false};
+        setActiveBundleID("org.example.editor");
+        setCurrentTelemetry(SessionTelemetry{.timecode = "01:02:03:04",
+                                             .fps = 25,
+                                             .appVersion = "EDITOR",
+                                             .timelineName = "Reel 1",
+                                             .pageName = "EDIT",
+                                             .playbackSpeed = "0X",
+                                             .isPlaying = false});
     }
 
     void setBLEClientConnected(bool connected) override { isConnected = connected; }

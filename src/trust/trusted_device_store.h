@@ -18,8 +18,8 @@ class TrustedDeviceStore {
     /// Loads at once. The settings must outlive the store.
     TrustedDeviceStore(UserDefaults& defaults, std::string storageKey);
 
-    /// In store order: most recent first. Assign only through the operations below.
-    Published<std::vector<TrustedDevice>> devices;
+    /// In store order: most recent first.
+    Published<std::vector<TrustedDevice>, TrustedDeviceStore> devices;
 
     /// Replaces the list with the stored one, in the order in which it is stored.
     void load();

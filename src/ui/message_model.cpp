@@ -82,8 +82,8 @@ void MessageModel::answer(int serial, int button, bool isTicked) {
             update();
             break;
         }
-        case Kind::unopened: sources_.urls.unopened = std::nullopt; break;
-        case Kind::alert: sources_.central.alert = std::nullopt; break;
+        case Kind::unopened: sources_.urls.acknowledge(); break;
+        case Kind::alert: sources_.central.dismissAlert(); break;
     }
 }
 

@@ -21,7 +21,7 @@ class PairingQuestion final : public PairingPrompt {
     };
 
     /// The question that waits for an answer.
-    Published<std::optional<Question>> question;
+    Published<std::optional<Question>, PairingQuestion> question;
 
     void ask(const std::string& name, const std::optional<std::string>& digits, Answer answer) override;
     void withdraw() override;

@@ -217,7 +217,7 @@ class Storm {
             case 8: link.rescan(); break;
             case 9: preferences_->setAutoConnect(!chance(4)); break;
             case 10: wake_.didWake.emit(); break;
-            default: link.alert = std::nullopt; break;
+            default: link.dismissAlert(); break;
         }
     }
 

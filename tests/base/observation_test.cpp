@@ -9,6 +9,7 @@
 #include "base/lifetime.h"
 #include "base/published.h"
 #include "base/signal.h"
+#include "support/publish_in_test.h"
 
 using namespace orbinex;
 using testing::ElementsAre;
@@ -123,7 +124,7 @@ TEST(Subscription, outlivesItsSignalWithoutHarm) {
 }
 
 TEST(Published, tellsOfAChangeBeforeAndAfterIt) {
-    Published<int> value(1);
+    Published<int, PublishInTest> value(1);
     Calls calls;
     const Subscription will = value.onWillChange([&](int next) {
         calls.push_back("will " + std::to_string(value.get()) + " " + std::to_string(next));
@@ -131,33 +132,33 @@ TEST(Published, tellsOfAChangeBeforeAndAfterIt) {
     const Subscription did = value.onDidChange([&](int next) {
         calls.push_back("did " + std::to_string(value.get()) + " " + std::to_string(next));
     });
-    value = 2;
-    value = 2;
+    PublishInTest::set(value, 2);
+    PublishInTest::set(value, 2);
     EXPECT_THAT(calls, ElementsAre("will 1 2", "did 2 2", "will 2 2", "did 2 2"));
 }
 
 TEST(Published, tellsTheLaterObserversOfEachOfTwoNestedAssignments) {
-    Published<int> value(0);
+    Published<int, PublishInTest> value(0);
     Calls calls;
     const Subscription first = value.onDidChange([&](int next) {
-        if (next == 1) value = 2;
+        if (next == 1) PublishInTest::set(value, 2);
     });
     const Subscription second = value.onDidChange([&](int next) { calls.push_back(std::to_string(next)); });
-    value = 1;
+    PublishInTest::set(value, 1);
     EXPECT_EQ(*value, 2);
     EXPECT_THAT(calls, ElementsAre("2", "1"));
 }
 
 TEST(Published, isEditedInPlaceOrAnnouncedBefore) {
-    Published<std::string> text{"a"};
+    Published<std::string, PublishInTest> text{"a"};
     std::vector<std::string> seen;
     const auto after = text.onDidChange([&](const std::string& value) { seen.push_back(value); });
     const auto* const place = &*text;
-    text.edit([](std::string& value) { value += "b"; });
+    PublishInTest::edit(text, [](std::string& value) { value += "b"; });
     EXPECT_EQ(&*text, place);
     const auto before =
         text.onWillChange([&](const std::string& value) { seen.push_back(*text + " to " + value); });
-    text.edit([](std::string& value) { value += "c"; });
+    PublishInTest::edit(text, [](std::string& value) { value += "c"; });
     EXPECT_EQ(seen, (std::vector<std::string>{"ab", "ab to abc", "abc"}));
 }
 

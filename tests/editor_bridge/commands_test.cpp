@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "bridge_world.h"
+#include "support/publish_in_test.h"
 
 namespace orbinex {
 namespace {
@@ -212,7 +213,8 @@ TEST(MasterVolume, isTheOutputsVolume) {
 TEST(MasterVolume, needsNoMasterTrack) {
     BridgeWorld world;
     world.volume.position = 0.28;
-    world.daemon->dawSnapshot.edit([](DAWSessionSnapshot& session) { session.tracks.clear(); });
+    PublishInTest::edit(world.daemon->dawSnapshot,
+                        [](DAWSessionSnapshot& session) { session.tracks.clear(); });
     world.daemon->setBLEClientConnected(true);
     EXPECT_EQ(world.session().masterVolumeDB, -36);
     world.packets.clear();

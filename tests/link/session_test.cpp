@@ -4,6 +4,7 @@
 
 #include "link_world.h"
 #include "protocol/gatt.h"
+#include "support/publish_in_test.h"
 
 namespace orbinex {
 namespace {
@@ -32,7 +33,7 @@ TEST(Session, greetsThePhoneAndTellsItTheEditorsState) {
 TEST(Session, writesWithResponseToAPhoneThatTakesNothingElse) {
     LinkWorld world;
     world.computerName.clear();
-    world.bridge.activeBundleID = "";
+    PublishInTest::set(world.bridge.activeBundleID, {});
     auto& phone = world.addPhone();
     phone.canWriteWithoutResponse = false;
     world.establish(phone);

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "pictures/faced_program.h"
+#include "support/publish_in_test.h"
 
 namespace orbinex::test {
 namespace {
@@ -100,7 +101,8 @@ TEST(Layout, clipsAndOverlapsNoTextOfAMessageAndKeepsItsButtonsInTheWindow) {
         FacedProgram program;
         QQuickWindow& window = program.window();
         window.resize(440, 400);
-        program.app.centralManager.alert = BLEAlert{UUID::random(), longName + " " + longName, text};
+        PublishInTest::set(program.app.centralManager.alert,
+                           {BLEAlert{UUID::random(), longName + " " + longName, text}});
         Hand hand(window);
         QQuickItem* const message = findItem(window.contentItem(), "message");
         ASSERT_TRUE(message);
@@ -125,7 +127,7 @@ TEST(Layout, namesEverythingThatActsOrInforms) {
     QAccessible::setActive(true);
     FacedProgram program({}, false);
     crowd(program);
-    program.app.centralManager.alert = BLEAlert{UUID::random(), "Title", "Message"};
+    PublishInTest::set(program.app.centralManager.alert, {BLEAlert{UUID::random(), "Title", "Message"}});
     int controls = 0;
     for (QQuickWindow* window : {&program.window(), &program.panel()}) {
         Hand(*window).settle();

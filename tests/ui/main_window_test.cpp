@@ -7,6 +7,7 @@
 #include "app/product_links.h"
 #include "app/system_settings_urls.h"
 #include "pictures/faced_program.h"
+#include "support/publish_in_test.h"
 
 namespace orbinex::test {
 namespace {
@@ -80,7 +81,7 @@ TEST(MainWindow, tellsWhatTheLinkIsAboutToDoWithoutMovingTheTitle) {
     const auto y = hand.property("connectionTitle", "y");
     for (const char* line :
          {"Reconnecting in 4s…", "Waiting for a trusted iPhone…", "\u200FAda paused Orbinex"}) {
-        program.app.centralManager.statusMessage = line;
+        PublishInTest::set(program.app.centralManager.statusMessage, {line});
         hand.settle();
         EXPECT_EQ(hand.property("connectionCard", "height"), height) << line;
         EXPECT_EQ(hand.property("connectionTitle", "y"), y) << line;

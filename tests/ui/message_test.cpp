@@ -5,6 +5,7 @@
 #include "app/two_prompts.h"
 #include "link/link_texts.h"
 #include "pictures/faced_program.h"
+#include "support/publish_in_test.h"
 
 namespace orbinex::test {
 namespace {
@@ -55,7 +56,7 @@ TEST(Message, tellsEveryAlertOfTheLink) {
     FacedProgram program;
     Hand hand(program.window());
     for (const auto& row : rows) {
-        program.app.centralManager.alert = row.alert;
+        PublishInTest::set(program.app.centralManager.alert, {row.alert});
         hand.settle();
         EXPECT_EQ(hand.text("messageTitle"), row.title);
         EXPECT_TRUE(hand.text("messageText").contains(row.part)) << hand.text("messageText").toStdString();
@@ -64,11 +65,11 @@ TEST(Message, tellsEveryAlertOfTheLink) {
 
 TEST(Message, isAnsweredByTheKeyboardAlone) {
     FacedProgram program;
-    program.app.centralManager.alert = alert("First");
+    PublishInTest::set(program.app.centralManager.alert, {alert("First")});
     Hand hand(program.window());
     hand.key(Qt::Key_Return);
     EXPECT_EQ(*program.app.centralManager.alert, std::nullopt);
-    program.app.centralManager.alert = alert("Second");
+    PublishInTest::set(program.app.centralManager.alert, {alert("Second")});
     hand.settle();
     hand.key(Qt::Key_Escape);
     EXPECT_EQ(*program.app.centralManager.alert, std::nullopt);
@@ -77,11 +78,11 @@ TEST(Message, isAnsweredByTheKeyboardAlone) {
 
 TEST(Message, doesNotTakeTheAnswerToAnEarlierOne) {
     FacedProgram program;
-    program.app.centralManager.alert = alert("First");
+    PublishInTest::set(program.app.centralManager.alert, {alert("First")});
     Hand hand(program.window());
     const int first =
         program.face.scene()->mainWindow()->findChild<QObject*>("messageBox")->property("serial").toInt();
-    program.app.centralManager.alert = alert("Second");
+    PublishInTest::set(program.app.centralManager.alert, {alert("Second")});
     hand.settle();
     EXPECT_EQ(hand.text("messageTitle"), "Second");
     ASSERT_GT(first, 0);
@@ -162,7 +163,7 @@ TEST(Message, tellsHowToMoveTheProgramByHandWhereItCannotMoveItself) {
 
 TEST(Message, asksAboutAPairingBeforeAnythingElse) {
     FacedProgram program;
-    program.app.centralManager.alert = alert("Something");
+    PublishInTest::set(program.app.centralManager.alert, {alert("Something")});
     std::vector<bool> answers;
     program.pairing.ask("Ada", "123 456", [&](bool isAccepted) { answers.push_back(isAccepted); });
     Hand hand(program.window());

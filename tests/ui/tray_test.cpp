@@ -16,6 +16,7 @@
 
 #include "pictures/faced_program.h"
 #include "support/private_x_server.h"
+#include "support/publish_in_test.h"
 #include "ui/notification_service.h"
 #include "ui/notifier_watcher.h"
 #include "ui/root_listener.h"
@@ -302,14 +303,14 @@ TEST_F(NotifierTray, notifiesOfAnAlertAndOpensTheWindowByAClick) {
     ASSERT_TRUE(bus.registerService(notificationName));
     FacedProgram program;
     ASSERT_TRUE(reaches([&] { return !watcher.item().isEmpty(); }));
-    program.app.centralManager.alert =
-        BLEAlert{UUID::random(), "<b>x</b> Isn't Nearby", "Where is <b>x</b>?"};
+    PublishInTest::set(program.app.centralManager.alert,
+                       {BLEAlert{UUID::random(), "<b>x</b> Isn't Nearby", "Where is <b>x</b>?"}});
     // The answer to the first has to arrive before another can take its place.
     ASSERT_TRUE(reaches([&] {
         const auto told = notifications.told();
         if (told.empty()) return false;
         if (told.back().replaces == NotificationService::id) return true;
-        program.app.centralManager.alert = BLEAlert{UUID::random(), "Second", "Message"};
+        PublishInTest::set(program.app.centralManager.alert, {BLEAlert{UUID::random(), "Second", "Message"}});
         return false;
     })) << "one at a time";
     const auto told = notifications.told();

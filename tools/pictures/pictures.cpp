@@ -130,7 +130,12 @@ void messages(Pictures& pictures) {
     program.relocation.answer(1);
     std::string text;
     for (int i = 0; i < 40; ++i) text += "The adapter has answered something that nobody has foreseen. ";
-    program.app.centralManager.alert = BLEAlert{UUID::random(), "Couldn't Connect to يسرى <b>x</b> 📱", text};
+    program.app.centralManager.dismissAlert();
+    auto& phone = program.addPhone("يسرى <b>x</b> 📱");
+    phone.connectStep.error = BluetoothError{.description = text};
+    program.advance(2s);
+    program.app.centralManager.connectNearbyDevice(phone.identifier());
+    program.advance(1s);
     program.window().resize(480, 480);
     pictures.take(program.window(), "main-long-message");
 }

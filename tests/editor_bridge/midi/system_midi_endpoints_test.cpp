@@ -20,6 +20,7 @@
 #include "support/allocation_counter.h"
 #include "support/comes_to_pass.h"
 #include "support/private_jack_server.h"
+#include "support/publish_in_test.h"
 #include "support/workstation_process.h"
 
 namespace orbinex::test {
@@ -84,7 +85,7 @@ TEST_F(Surface, playsEveryCommandToAnotherProcess) {
 TEST_F(Surface, followsTheFadersOfAnotherProcessAndNothingElse) {
     server.start();
     world.workspace.activate(logic);
-    world.daemon->dawSnapshot.edit([](DAWSessionSnapshot& session) {
+    PublishInTest::edit(world.daemon->dawSnapshot, [](DAWSessionSnapshot& session) {
         for (std::int64_t index = 4; index <= 9; ++index) {
             session.tracks.push_back(session.tracks.front());
             session.tracks.back().index = index;
@@ -92,7 +93,8 @@ TEST_F(Surface, followsTheFadersOfAnotherProcessAndNothingElse) {
     });
     const auto tracks = world.session().tracks;
     world.start(endpoints);
-    world.daemon->dawSnapshot.edit([&](DAWSessionSnapshot& session) { session.tracks = tracks; });
+    PublishInTest::edit(world.daemon->dawSnapshot,
+                        [&](DAWSessionSnapshot& session) { session.tracks = tracks; });
     ASSERT_TRUE(comesOnline());
     WorkstationProcess workstation;
     ASSERT_TRUE(isConnected(workstation));
