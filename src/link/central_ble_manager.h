@@ -143,6 +143,7 @@ class CentralBLEManager final : private BluetoothCentral::Delegate {
     void resumeDiscovery();
     void startScanning(std::optional<std::chrono::seconds> duration = std::nullopt);
     void stopScanning();
+    void stopLooking();
     void pruneNearby();
     void relinkNearbyDevices();
     [[nodiscard]] std::optional<TrustedDevice> trustedMatch(const UUID& peripheral,
@@ -158,6 +159,7 @@ class CentralBLEManager final : private BluetoothCentral::Delegate {
     void attemptFailed(const UUID& peripheral, const BluetoothError* error);
     void adoptConnection(const Peripheral& peripheral, Intent intent);
     void sessionDropped(const BluetoothError* error);
+    [[nodiscard]] bool mayTurnOutToBe(const TrustedDevice& device) const;
 
     // handshake.cpp
     void handshakeTimedOut(const UUID& peripheral, const std::string& name);
@@ -184,6 +186,7 @@ class CentralBLEManager final : private BluetoothCentral::Delegate {
     void queuePendingConnect(const Peripheral& peripheral);
     void cancelPendingConnects();
     void dropPeripheral(const UUID& peripheral);
+    void cutFarewell(const UUID& peripheral);
     void handlePairingFailure(const BluetoothError* error);
     void restartAfterSleep();
 
@@ -199,6 +202,10 @@ class CentralBLEManager final : private BluetoothCentral::Delegate {
     std::set<UUID> pendingConnects_;
     /// Peripherals whose disconnection this side asked for, until it is reported.
     std::set<UUID> intentionalDisconnects_;
+    /// Forgotten by the user since the last connect was asked for: that one does not make them trusted again.
+    std::set<UUID> forgotten_;
+    /// The trusted iPhone that the user has asked for during a session with another, while it is scanned for.
+    std::optional<UUID> lookedFor_;
     SuppressionBook suppressions_;
     ReconnectBackoff backoff_;
 

@@ -4,6 +4,7 @@
 #include <array>
 #include <utility>
 
+#include "base/text.h"
 #include "link/central_ble_manager.h"
 #include "link/link_texts.h"
 #include "link/pairing_error.h"
@@ -53,7 +54,12 @@ void CentralBLEManager::connectTrustedDevice(const TrustedDevice& device) {
         }
     }
     statusMessage = LinkText::lookingFor(device.name);
-    startScanning();
+    if (session_) {
+        startScanning(rescanDuration);
+        lookedFor_ = device.id;
+    } else {
+        startScanning();
+    }
     alert = LinkText::notNearbyAlert(device.name);
 }
 
@@ -61,8 +67,8 @@ void CentralBLEManager::beginConnect(const Peripheral& peripheral, Intent intent
     if (!isPoweredOn()) return;
     const UUID id = peripheral.identifier;
     peripherals_.insert_or_assign(id, peripheral);
-    // A farewell still under way to the same iPhone is cut short, so that it cannot cut this attempt.
-    if (goodbyeTimers_.erase(id) > 0) ports_.central.cancelConnection(id);
+    cutFarewell(id);
+    forgotten_.clear();
     attempt_ = ConnectionAttempt{id, intent};
     pendingConnects_.erase(id);
     intentionalDisconnects_.erase(id);
@@ -115,12 +121,25 @@ void CentralBLEManager::cancelConnectionAttempt() {
     startScanning();
 }
 
+/// Whether the iPhone being connected has not told yet who it is, and nothing tells it apart from this one.
+bool CentralBLEManager::mayTurnOutToBe(const TrustedDevice& device) const {
+    const auto& active = *activeDevice;
+    if (!active || active->deviceID) return false;
+    const auto* nearby = findNearby(*nearbyDevices, active->peripheralID);
+    return !nearby || !nearby->token || lowercased(*nearby->token) == lowercased(device.token);
+}
+
 void CentralBLEManager::forgetDevice(const TrustedDevice& device) {
-    if (isActive(device)) {
+    if (isActive(device) || mayTurnOutToBe(device)) {
+        const UUID peripheral = activeDevice.get()->peripheralID;
         // Not connected yet is not safe from being trusted again.
         if (attempt_) cancelConnectionAttempt();
         disconnect();
+        suppressions_.removePeripheral(peripheral);
     }
+    // One that was taken for another may still say that it is this one.
+    forgotten_.insert(device.id);
+    if (lookedFor_ == device.id) stopLooking();
     if (const auto& peripheral = device.peripheralIdentifier) {
         if (pendingConnects_.erase(*peripheral) > 0 && peripherals_.contains(*peripheral)) {
             dropPeripheral(*peripheral);

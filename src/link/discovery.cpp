@@ -54,8 +54,16 @@ void CentralBLEManager::startScanning(std::optional<std::chrono::seconds> durati
 
 void CentralBLEManager::stopScanning() {
     scanStopTimer_.cancel();
+    stopLooking();
     if (isPoweredOn() && ports_.central.isScanning()) ports_.central.stopScan();
     isScanning = false;
+}
+
+/// What the line says is the session again.
+void CentralBLEManager::stopLooking() {
+    if (!std::exchange(lookedFor_, std::nullopt) || !session_) return;
+    const std::string name = activeName(LinkText::someIPhone);
+    statusMessage = *phase == Phase::connected ? LinkText::connected(name) : LinkText::securing(name);
 }
 
 void CentralBLEManager::rescan() {
@@ -89,6 +97,10 @@ void CentralBLEManager::peripheralDiscovered(const Advertisement& advertisement)
     nearbyDevices = std::move(list);
 
     suppressions_.expireRemote(id, recordID, now);
+    if (record && lookedFor_ == recordID) {
+        connectPeripheral(peripheral, record->name);
+        return;
+    }
     if (autoConnectEnabled_ && record && !session_ && !attempt_ && !isRetryScheduled() &&
         mayAutoConnect(id, recordID)) {
         beginConnect(peripheral, Intent::automatic, record->name);

@@ -97,7 +97,10 @@ void CentralBLEManager::deviceInfoArrived(ByteView value, const BluetoothError* 
                     false);
         return;
     }
-    if (session_->intent != Intent::user) {
+    if (session_->intent == Intent::user && !forgotten_.contains(info->deviceID)) {
+        // Whatever has sent this iPhone away before, under this address or another: the user wants it.
+        suppressions_.clear(id, info->deviceID);
+    } else {
         if (suppressions_.isDeviceSuppressed(info->deviceID)) {
             endSession(true, std::nullopt);
             resumeDiscovery();
@@ -113,7 +116,9 @@ void CentralBLEManager::deviceInfoArrived(ByteView value, const BluetoothError* 
     session_->deviceInfo = *info;
     activeDevice = ActiveDevice{id, info->deviceID, info->name};
     relinkNearbyDevices();
-    for (const auto& characteristic : subscribed) ports_.central.setNotify(id, characteristic, true);
+    for (const auto& uuid : subscribed) {
+        if (slotFor(*session_, uuid)->has_value()) ports_.central.setNotify(id, uuid, true);
+    }
 }
 
 void CentralBLEManager::trust(const DeviceInfo& info) {

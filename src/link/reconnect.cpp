@@ -44,6 +44,7 @@ void CentralBLEManager::queuePendingConnect(const Peripheral& peripheral) {
     const UUID id = peripheral.identifier;
     if (hasSessionWith(id) || hasAttemptFor(id)) return;
     peripherals_.insert_or_assign(id, peripheral);
+    cutFarewell(id);
     intentionalDisconnects_.erase(id);
     pendingConnects_.insert(id);
     ports_.central.connect(peripheral, Initiative::program);
@@ -59,6 +60,12 @@ void CentralBLEManager::cancelPendingConnects() {
 void CentralBLEManager::dropPeripheral(const UUID& peripheral) {
     intentionalDisconnects_.insert(peripheral);
     ports_.central.cancelConnection(peripheral);
+}
+
+/// A farewell still under way to an iPhone that is wanted again is cut short, so that it cannot cut what is
+/// begun now.
+void CentralBLEManager::cutFarewell(const UUID& peripheral) {
+    if (goodbyeTimers_.erase(peripheral) > 0) ports_.central.cancelConnection(peripheral);
 }
 
 void CentralBLEManager::handlePairingFailure(const BluetoothError* error) {

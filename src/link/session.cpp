@@ -104,6 +104,7 @@ void CentralBLEManager::endSession(bool cancel, const std::optional<std::string>
     const UUID id = session_->peripheral.identifier;
     const bool wasConnected = *phase == Phase::connected;
     session_.reset();
+    lookedFor_.reset();
     watchdog_.cancel();
     if (cancel) dropPeripheral(id);
     if (wasConnected && onConnectionLost) onConnectionLost();

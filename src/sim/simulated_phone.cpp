@@ -58,6 +58,10 @@ void SimulatedPhone::notify(const UUID& characteristic, ByteView value) {
     if (isNotifying(characteristic)) radio_.deliver(identifier_, characteristic, value);
 }
 
+void SimulatedPhone::tell(const UUID& characteristic, ByteView value) {
+    radio_.deliver(identifier_, characteristic, value);
+}
+
 void SimulatedPhone::send(const DecodedPacket& packet) {
     const bool isKeyboard = std::holds_alternative<DecodedPacket::KeyStroke>(packet.value) ||
                             std::holds_alternative<DecodedPacket::Text>(packet.value);

@@ -73,6 +73,8 @@ class SimulatedPhone {
 
     /// A notification, if the computer has subscribed to the characteristic; else nothing happens.
     void notify(const UUID& characteristic, ByteView value);
+    /// A value that the computer has neither asked for nor subscribed to.
+    void tell(const UUID& characteristic, ByteView value);
     void send(const DecodedPacket& packet);
     void send(const ControlMessage& message);
     void send(const DAWCommand& command) { send(ControlMessage{command}); }

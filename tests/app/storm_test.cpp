@@ -110,7 +110,13 @@ class Storm {
         for (int tries = 0; tries < 2; ++tries) {
             link.rescan();
             queue_.advance(3s);
-            link.connectNearbyDevice(wanted.identifier());
+            forgotten_.clear();
+            const auto record = app_->trustStore.deviceWithID(wanted.info.deviceID);
+            if (record && chance(2)) {
+                link.connectTrustedDevice(*record);
+            } else {
+                link.connectNearbyDevice(wanted.identifier());
+            }
             queue_.advance(5s);
             check();
         }
@@ -201,7 +207,9 @@ class Storm {
         auto& link = app_->centralManager;
         const auto& trusted = *app_->trustStore.devices;
         const auto& phone = *phones_[pick(phones_.size())];
-        switch (pick(12)) {
+        const auto what = pick(12);
+        if (what < 5) forgotten_.clear();
+        switch (what) {
             case 0:
             case 1:
             case 2: link.connectNearbyDevice(phone.identifier()); break;
@@ -212,7 +220,11 @@ class Storm {
             case 5: link.cancelConnectionAttempt(); break;
             case 6: link.disconnect(); break;
             case 7:
-                if (!trusted.empty()) link.forgetDevice(TrustedDevice(trusted[pick(trusted.size())]));
+                if (!trusted.empty()) {
+                    const TrustedDevice device = trusted[pick(trusted.size())];
+                    forgotten_.insert(device.id);
+                    link.forgetDevice(device);
+                }
                 break;
             case 8: link.rescan(); break;
             case 9: preferences_->setAutoConnect(!chance(4)); break;
@@ -280,6 +292,7 @@ class Storm {
             ASSERT_FALSE(held_.anything()) << "held without a session";
         }
         ASSERT_LT(queue_.pendingTimers(), 100u);
+        for (const auto& id : forgotten_) ASSERT_FALSE(app_->trustStore.deviceWithID(id)) << "trusted again";
         for (const auto& nearby : *link.nearbyDevices) {
             if (nearby.trustedDeviceID) {
                 ASSERT_TRUE(app_->trustStore.deviceWithID(*nearby.trustedDeviceID));
@@ -301,6 +314,7 @@ class Storm {
     std::unique_ptr<AppPreferences> preferences_;
     std::unique_ptr<AppCoordinator> app_;
     HeldDown held_;
+    std::set<UUID> forgotten_;  ///< since the user last asked for a connection
 };
 
 TEST(Storm, keepsTheRulesAndEndsWell) {

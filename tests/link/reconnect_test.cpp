@@ -246,6 +246,121 @@ TEST(Suppression, isLiftedByTheUsersConnectFromTheNearbyList) {
     EXPECT_EQ(*world.link.phase, LinkPhase::connected);
 }
 
+// However an iPhone under a new address was sent away, once the user has it connected it comes back by
+// itself.
+TEST(Suppression, ofANewAddressEndsWithTheUsersConnection) {
+    const struct {
+        const char* what;
+        std::function<void(LinkWorld&, SimulatedPhone&)> sendAway;
+    } rows[] = {
+        {"pairing fails",
+         [](LinkWorld& world, SimulatedPhone& phone) {
+             phone.infoStep.error = BluetoothError{BluetoothError::Kind::attribute, 15, "Not encrypted."};
+             world.run(3s);
+             phone.infoStep.error.reset();
+         }},
+        {"attempt cancelled",
+         [](LinkWorld& world, SimulatedPhone& phone) {
+             phone.connectStep.isAnswered = false;
+             world.run(1s);
+             world.link.cancelConnectionAttempt();
+             phone.connectStep.isAnswered = true;
+         }},
+        {"disconnected, and connected without a name",
+         [](LinkWorld& world, SimulatedPhone& phone) {
+             world.run(3s);
+             world.link.disconnect();
+             world.run(1s);
+             phone.changeAddress(LinkWorld::otherAddress);
+             phone.advertisedName.clear();
+         }},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        LinkWorld world;
+        auto& phone = world.addPhone();
+        const auto record = world.trustEarlier(phone);
+        phone.changeAddress(LinkWorld::newAddress);
+        row.sendAway(world, phone);
+        world.run(2s);
+        ASSERT_EQ(*world.link.phase, LinkPhase::searching);
+        if (phone.advertisedName.empty()) {
+            world.link.connectNearbyDevice(phone.identifier());
+        } else {
+            world.link.connectTrustedDevice(record);
+        }
+        world.run(2s);
+        ASSERT_EQ(*world.link.phase, LinkPhase::connected);
+        phone.dropLink();
+        world.run(10s);
+        EXPECT_EQ(*world.link.phase, LinkPhase::connected);
+    }
+}
+
+TEST(Forgetting, leavesNothingUnderWayThatTrustsTheIPhoneAgain) {
+    const struct {
+        const char* name;  ///< advertised under a new address
+        std::chrono::seconds forgottenAfter;
+    } rows[] = {
+        {"OXA1B2C3:Studio iPhone", 1s}, {"OXA1B2C3:Studio iPhone", 3s}, {"", 1s}, {"", 3s},
+        {"OXB0B0B0:Another", 1s},       {"OXB0B0B0:Another", 3s},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name + std::to_string(row.forgottenAfter.count()));
+        LinkWorld world;
+        world.link.setAutoConnectEnabled(false);
+        auto& phone = world.addPhone();
+        const auto record = world.trustEarlier(phone);
+        phone.changeAddress(LinkWorld::newAddress);
+        phone.advertisedName = row.name;
+        phone.connectStep.delay = phone.infoStep.delay = 2s;
+        world.connectByUser(phone);
+        world.run(row.forgottenAfter);
+        world.link.forgetDevice(record);
+        EXPECT_EQ(*world.link.phase == LinkPhase::searching, phone.advertisedName != "OXB0B0B0:Another");
+        world.link.setAutoConnectEnabled(true);
+        world.run(60s);
+        EXPECT_TRUE(world.store.devices->empty());
+        EXPECT_FALSE(phone.isConnected());
+        world.establish(phone);
+        world.run(5s);
+        EXPECT_EQ(world.store.devices->size(), 1u) << "asked for anew";
+        EXPECT_EQ(*world.link.phase, LinkPhase::connected);
+    }
+}
+
+TEST(Looking, forAnotherIPhoneDuringASessionEndsAfterTenSecondsOrWithIt) {
+    LinkWorld world;
+    auto& phone = world.addPhone();
+    auto& other = world.addPhone("Other", LinkWorld::otherDeviceID, LinkWorld::otherAddress);
+    other.setInRange(false);
+    world.establish(phone);
+    TrustedDevice wanted{LinkWorld::otherDeviceID, "Other",     "B0B0B0", std::nullopt,
+                         world.queue.now(),        std::nullopt};
+    world.store.trust(wanted);
+    world.link.connectTrustedDevice(wanted);
+    EXPECT_EQ(*world.link.statusMessage, "Looking for Other…");
+    world.run(10s - 1ms);
+    EXPECT_TRUE(*world.link.isScanning);
+    world.run(1ms);
+    EXPECT_EQ(*world.link.statusMessage, "Connected to Studio iPhone");
+    EXPECT_FALSE(*world.link.isScanning);
+    other.setInRange(true);
+    world.link.rescan();
+    world.run(10s);
+    EXPECT_EQ(world.link.activeDevice.get()->name, "Studio iPhone") << "the wish has passed";
+
+    other.setInRange(false);
+    world.link.rescan();
+    world.run(10s);
+    world.link.connectTrustedDevice(wanted);
+    world.run(3s);
+    other.setInRange(true);
+    world.run(3s);
+    EXPECT_EQ(*world.link.statusMessage, "Connected to Other");
+    EXPECT_EQ(phone.received.back(), ControlMessage{ControlMessage::Goodbye{}});
+}
+
 TEST(WithoutService, isTriedAgainOnceHeardAfterThreeSeconds) {
     LinkWorld world;
     auto& phone = world.addPhone();
@@ -327,6 +442,18 @@ TEST(Reconnecting, rightAfterTheUsersDisconnectIsNotCutByTheFarewell) {
     EXPECT_EQ(*world.link.phase, LinkPhase::connected);
     EXPECT_EQ(phone.received.back(), ControlMessage{*world.bridge.currentTelemetry});
     EXPECT_TRUE(world.alerts.empty());
+}
+
+TEST(Reconnecting, byABackgroundRequestIsNotCutByTheFarewell) {
+    LinkWorld world;
+    auto& phone = world.addPhone();
+    world.establish(phone);
+    const TrustedDevice record = world.store.devices->front();
+    world.link.forgetDevice(record);
+    world.store.trust(record);
+    world.link.rescan();
+    world.run(1s);
+    EXPECT_EQ(*world.link.phase, LinkPhase::connected);
 }
 
 // Bluetooth goes off and comes back at every point of a session's life.

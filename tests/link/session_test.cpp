@@ -226,5 +226,17 @@ TEST(Forgetting, makesThePhoneAStrangerThatCanBeTrustedAgain) {
     EXPECT_EQ(world.store.devices->size(), 1u);
 }
 
+TEST(Session, subscribesToNothingThatThePhoneHasNotOffered) {
+    LinkWorld world;
+    auto& phone = world.addPhone();
+    phone.servicesStep.isAnswered = false;
+    world.connectByUser(phone);
+    world.run(500ms);
+    phone.tell(OrbinexProtocol::infoCharacteristicUUID, phone.info.encode());
+    world.run(1s);
+    EXPECT_FALSE(phone.isNotifying(OrbinexProtocol::mouseCharacteristicUUID));
+    EXPECT_EQ(*world.link.phase, LinkPhase::securing);
+}
+
 }  // namespace
 }  // namespace orbinex
