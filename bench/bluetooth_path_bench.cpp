@@ -91,6 +91,7 @@ class TimingPoster final : public EventPoster {
     bool postScroll(const ScrollEvent&) override { return false; }
     bool postKey(const KeyEvent&) override { return false; }
     bool postUnicode(std::u16string_view, bool) override { return false; }
+    void dropWaiting() override {}
 
   private:
     struct Posted {

@@ -44,7 +44,9 @@ struct KeyEvent {
 };
 
 /// Puts events into the input stream of the desktop, so that programs take them for a local mouse's and
-/// keyboard's. Events arrive in the order in which they are posted. Main thread only.
+/// keyboard's. What the pointer does arrives in the order in which it is posted, and so does what the
+/// keyboard does. Text may take a while, and what is posted to the keyboard meanwhile waits for it. Main
+/// thread only.
 ///
 /// The post functions return false when the event cannot be created, and then nothing was posted.
 class EventPoster {
@@ -76,6 +78,9 @@ class EventPoster {
     /// Types text that need not be on any key: at most maximumUnicodeUnits UTF-16 units, first with isDown,
     /// then the same units without. A character may be cut over several such pairs.
     virtual bool postUnicode(std::u16string_view units, bool isDown) = 0;
+    /// Drops what waits, except that keys whose release waits are released now, and forgets what was less
+    /// than this poster's smallest scroll.
+    virtual void dropWaiting() = 0;
 };
 
 }  // namespace orbinex

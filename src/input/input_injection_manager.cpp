@@ -40,10 +40,19 @@ InputInjectionManager::InputInjectionManager(EventPoster& poster, KeyboardLayout
     : poster_(poster), layoutMapper_(layouts) {}
 
 void InputInjectionManager::handle(const DecodedPacket& packet) {
-    std::visit([this](const auto& content) { apply(content); }, packet.value);
+    struct Dispatch {
+        InputInjectionManager& manager;
+        void operator()(const DecodedPacket::MouseMove& move) const { manager.movePointer(move); }
+        void operator()(const DecodedPacket::MouseClick& click) const { manager.click(click); }
+        void operator()(const DecodedPacket::MouseScroll& scroll) const { manager.scroll(scroll); }
+        void operator()(const DecodedPacket::KeyStroke& stroke) const { manager.strokeKey(stroke); }
+        void operator()(const DecodedPacket::Text& text) const { manager.typeText(text); }
+        void operator()(const DecodedPacket::MouseButtonChange& change) const { manager.setButton(change); }
+    };
+    std::visit(Dispatch{*this}, packet.value);
 }
 
-void InputInjectionManager::apply(const DecodedPacket::MouseMove& move) {
+void InputInjectionManager::movePointer(const DecodedPacket::MouseMove& move) {
     const Point from = poster_.pointerLocation();
     MouseEvent event;
     event.location = clampToDisplays(
@@ -60,13 +69,13 @@ void InputInjectionManager::apply(const DecodedPacket::MouseMove& move) {
     poster_.postMouse(event);
 }
 
-void InputInjectionManager::apply(const DecodedPacket::MouseClick& click) {
+void InputInjectionManager::click(const DecodedPacket::MouseClick& click) {
     const Point location = poster_.pointerLocation();
     postButton(click.button, true, location, click.tapCount);
     postButton(click.button, false, location, click.tapCount);
 }
 
-void InputInjectionManager::apply(const DecodedPacket::MouseButtonChange& change) {
+void InputInjectionManager::setButton(const DecodedPacket::MouseButtonChange& change) {
     const bool isDown = change.state == KeyState::pressed;
     bool& held = change.button == MouseButton::left ? leftButtonDown_ : rightButtonDown_;
     if (held == isDown) return;
@@ -74,20 +83,20 @@ void InputInjectionManager::apply(const DecodedPacket::MouseButtonChange& change
     postButton(change.button, isDown, poster_.pointerLocation(), 1);
 }
 
-void InputInjectionManager::apply(const DecodedPacket::MouseScroll& scroll) {
+void InputInjectionManager::scroll(const DecodedPacket::MouseScroll& scroll) {
     // A delta moves the content as a finger does, a wheel moves the view: the signs are opposite.
     const std::int32_t wheel2 = scrollX_.add(-static_cast<double>(scroll.deltaX) * scrollScale);
     const std::int32_t wheel1 = scrollY_.add(-static_cast<double>(scroll.deltaY) * scrollScale);
     if (wheel1 != 0 || wheel2 != 0) poster_.postScroll({wheel1, wheel2});
 }
 
-void InputInjectionManager::apply(const DecodedPacket::KeyStroke& stroke) {
+void InputInjectionManager::strokeKey(const DecodedPacket::KeyStroke& stroke) {
     const bool isDown = stroke.state == KeyState::pressed;
     postKey(stroke.keycode, eventFlags(stroke.modifiers), isDown);
     if (isDown && onTransportKey) onTransportKey(stroke.keycode, stroke.modifiers);
 }
 
-void InputInjectionManager::apply(const DecodedPacket::Text& text) {
+void InputInjectionManager::typeText(const DecodedPacket::Text& text) {
     if (!isShortcut(text.modifiers)) poster_.expectText(text.text);
     for (std::string_view rest = text.text; !rest.empty();) {
         const std::size_t length = firstCharacterLength(rest);
@@ -100,16 +109,16 @@ void InputInjectionManager::apply(const DecodedPacket::Text& text) {
 void InputInjectionManager::typeCharacter(std::string_view character, ModifierFlags modifiers,
                                           std::optional<std::uint16_t> fallbackKeycode) {
     if (const auto keycode = fixedKeycode(character)) {
-        strokeKey(*keycode, eventFlags(modifiers));
+        tapKey(*keycode, eventFlags(modifiers));
         return;
     }
     const LayoutTable& table = layoutMapper_.table();
     auto mapping = table.find(character);
     if (!mapping && isShortcut(modifiers)) mapping = table.find(lowercased(character));
     if (mapping) {
-        strokeKey(mapping->keycode, eventFlags(mapping->modifiers | modifiers));
+        tapKey(mapping->keycode, eventFlags(mapping->modifiers | modifiers));
     } else if (isShortcut(modifiers) && fallbackKeycode) {
-        strokeKey(*fallbackKeycode, eventFlags(modifiers));
+        tapKey(*fallbackKeycode, eventFlags(modifiers));
     } else {
         typeUnicode(character);
     }
@@ -144,12 +153,13 @@ void InputInjectionManager::postKey(std::uint16_t keycode, EventFlags flags, boo
     if (poster_.postKey({keycode, flags, isDown})) heldKeys_.set(keycode, isDown);
 }
 
-void InputInjectionManager::strokeKey(std::uint16_t keycode, EventFlags flags) {
+void InputInjectionManager::tapKey(std::uint16_t keycode, EventFlags flags) {
     postKey(keycode, flags, true);
     postKey(keycode, flags, false);
 }
 
 void InputInjectionManager::releaseAll() {
+    poster_.dropWaiting();
     const Point location = poster_.pointerLocation();
     if (leftButtonDown_) {
         postButton(MouseButton::left, false, location, 1);

@@ -28,8 +28,8 @@ class InputInjectionManager {
 
     /// Posts the events of a packet at once. An event that cannot be created is left out; the rest goes on.
     void handle(const DecodedPacket& packet);
-    /// Lets go of every button and key that is held and forgets fractions of a scroll. Called when the link
-    /// to the phone is lost.
+    /// Drops what the poster has not carried out yet, lets go of every button and key that is held and
+    /// forgets fractions of a scroll. Called when the link to the phone is lost.
     void releaseAll();
 
     [[nodiscard]] const KeyboardLayoutMapper& layoutMapper() const { return layoutMapper_; }
@@ -43,16 +43,16 @@ class InputInjectionManager {
     [[nodiscard]] double scrollRemainderY() const { return scrollY_.remainder(); }
 
   private:
-    void apply(const DecodedPacket::MouseMove& move);
-    void apply(const DecodedPacket::MouseClick& click);
-    void apply(const DecodedPacket::MouseScroll& scroll);
-    void apply(const DecodedPacket::KeyStroke& stroke);
-    void apply(const DecodedPacket::Text& text);
-    void apply(const DecodedPacket::MouseButtonChange& change);
+    void movePointer(const DecodedPacket::MouseMove& move);
+    void click(const DecodedPacket::MouseClick& click);
+    void scroll(const DecodedPacket::MouseScroll& scroll);
+    void strokeKey(const DecodedPacket::KeyStroke& stroke);
+    void typeText(const DecodedPacket::Text& text);
+    void setButton(const DecodedPacket::MouseButtonChange& change);
 
     void postButton(MouseButton button, bool isDown, Point location, std::int64_t clickState);
     void postKey(std::uint16_t keycode, EventFlags flags, bool isDown);
-    void strokeKey(std::uint16_t keycode, EventFlags flags);
+    void tapKey(std::uint16_t keycode, EventFlags flags);
     void typeCharacter(std::string_view character, ModifierFlags modifiers,
                        std::optional<std::uint16_t> fallbackKeycode);
     void typeUnicode(std::string_view text);

@@ -20,6 +20,8 @@ class ScrollSink {
     /// False when the device does not take the event; then nothing of it was posted. To be asked only while
     /// the display takes input from the device: it may scroll another display, or none.
     virtual bool scroll(const ScrollEvent& event) = 0;
+    /// Forgets what was less than the device's smallest scroll.
+    virtual void dropRemainder() = 0;
 };
 
 }  // namespace orbinex

@@ -36,6 +36,7 @@ class RecordingEventPoster final : public EventPoster {
     bool postScroll(const ScrollEvent& event) override;
     bool postKey(const KeyEvent& event) override;
     bool postUnicode(std::u16string_view units, bool isDown) override;
+    void dropWaiting() override {}
 
     /// All text that was typed as Unicode, one press after the other.
     [[nodiscard]] std::u16string typedUnicode() const;

@@ -30,6 +30,7 @@ class CountingPoster final : public EventPoster {
     bool postScroll(const ScrollEvent&) override { return ++posted > 0; }
     bool postKey(const KeyEvent&) override { return ++posted > 0; }
     bool postUnicode(std::u16string_view, bool) override { return ++posted > 0; }
+    void dropWaiting() override {}
 
   private:
     Rect display_{0, 0, 1280, 900};

@@ -35,6 +35,7 @@ class FineWheel {
         clickRemainder_ = turned % stepsPerClick;
         return {static_cast<int>(steps), static_cast<int>(turned / stepsPerClick)};
     }
+    void reset() { *this = {}; }
 
   private:
     /// Pixels times stepsPerClick; between minus and plus WheelClicks::pixelsPerClick.

@@ -74,6 +74,11 @@ bool UinputScroll::scroll(const ScrollEvent& event) {
     return true;
 }
 
+void UinputScroll::dropRemainder() {
+    vertical_.reset();
+    horizontal_.reset();
+}
+
 bool UinputScroll::sendRest() {
     const std::size_t size = std::exchange(restSize_, 0);
     if (send(std::span(rest_).first(size))) return restSize_ == 0;

@@ -31,6 +31,7 @@ class UinputScroll final : public ScrollSink {
     /// Keeps what is less than a step for the next event, and gives up on none: of a report that is taken in
     /// part the rest goes out first of all the next time.
     bool scroll(const ScrollEvent& event) override;
+    void dropRemainder() override;
 
   private:
     bool send(std::span<const std::byte> bytes);

@@ -31,6 +31,11 @@ bool isRelease(const MouseEvent& event) {
     return event.type == MouseEvent::Type::leftUp || event.type == MouseEvent::Type::rightUp;
 }
 
+bool isRelease(const std::variant<KeyEvent, char32_t>& operation) {
+    const auto* key = std::get_if<KeyEvent>(&operation);
+    return key && !key->isDown;
+}
+
 /// Calls `use` with every whole character of the units. `high` is the first half of a character that earlier
 /// units ended with, and afterwards that of these.
 template <class Use>
@@ -70,13 +75,9 @@ X11EventPoster::~X11EventPoster() {
     releaseEverything();
 }
 
-Point X11EventPoster::pointerLocation() {
-    return waitingLocation_ ? *waitingLocation_ : pointer_.location();
-}
-
 void X11EventPoster::expectText(std::string_view text) {
     // What waits has its own use for the spare keys.
-    if (!waiting_.empty() || !connection_.isAlive() || !connection_.hasXTest()) return;
+    if (!waiting_.empty() || !canPost()) return;
     std::u32string scalars;
     char16_t high = 0;
     forEachScalar(utf16(text), high, [&](char32_t scalar) { scalars += scalar; });
@@ -86,12 +87,24 @@ void X11EventPoster::expectText(std::string_view text) {
     keyboard_.expect(scalars, queue_.uptime());
 }
 
+bool X11EventPoster::send() {
+    const bool isSent = connection_.flush();
+    connection_.processEvents();
+    return isSent;
+}
+
 bool X11EventPoster::postMouse(const MouseEvent& event) {
-    return post(event);
+    if (!canPost()) return false;
+    const bool isDone = perform(event);
+    return send() && isDone;
 }
 
 bool X11EventPoster::postScroll(const ScrollEvent& event) {
-    return post(event);
+    if (!canPost()) return false;
+    if (scrollDevice_ && scrollDevice_->isInUse() && scrollSink_->scroll(event)) return true;
+    wheel(vertical_.add(event.wheel1), wheelUp, wheelDown);
+    wheel(horizontal_.add(event.wheel2), wheelLeft, wheelRight);
+    return send();
 }
 
 bool X11EventPoster::postKey(const KeyEvent& event) {
@@ -99,28 +112,22 @@ bool X11EventPoster::postKey(const KeyEvent& event) {
 }
 
 bool X11EventPoster::postUnicode(std::u16string_view units, bool isDown) {
-    if (!isDown) return connection_.isAlive() && connection_.hasXTest();
+    if (!isDown) return canPost();
     bool isPosted = true;
     forEachScalar(units, highSurrogate_, [&](char32_t scalar) { isPosted = post(scalar) && isPosted; });
     return isPosted;
 }
 
 bool X11EventPoster::post(const Operation& operation) {
-    if (!connection_.isAlive() || !connection_.hasXTest()) return false;
+    if (!canPost()) return false;
     if (!waiting_.empty()) return enqueue(operation);
     const Outcome outcome = std::visit([this](const auto& event) { return perform(event); }, operation);
     if (outcome == Outcome::later) return enqueue(operation);
-    const bool isSent = connection_.flush();
-    connection_.processEvents();
-    return outcome == Outcome::done && isSent;
+    return send() && outcome == Outcome::done;
 }
 
 bool X11EventPoster::enqueue(const Operation& operation) {
-    const auto* mouse = std::get_if<MouseEvent>(&operation);
-    const auto* key = std::get_if<KeyEvent>(&operation);
-    const bool isReleasing = (mouse && isRelease(*mouse)) || (key && !key->isDown);
-    if (waiting_.size() >= maximumWaiting && !isReleasing) return false;
-    if (mouse && isMotion(*mouse)) waitingLocation_ = mouse->location;
+    if (waiting_.size() >= maximumWaiting && !isRelease(operation)) return false;
     waiting_.push_back(operation);
     if (!retry_.isActive()) continueWaiting();
     return true;
@@ -133,29 +140,25 @@ void X11EventPoster::continueWaiting() {
             break;
         waiting_.pop_front();
     }
-    connection_.flush();
-    connection_.processEvents();
-    if (waiting_.empty()) {
-        waitingLocation_.reset();
-        return;
-    }
+    send();
+    if (waiting_.empty()) return;
     const auto delay = keyboard_.nextFree().value_or(queue_.uptime()) - queue_.uptime();
     retry_ = queue_.after(std::max<MainQueue::Delay>(delay, std::chrono::milliseconds(1)),
                           [this] { continueWaiting(); });
 }
 
-X11EventPoster::Outcome X11EventPoster::perform(const MouseEvent& event) {
-    if (isMotion(event)) return pointer_.moveTo(event.location) ? Outcome::done : Outcome::failed;
+bool X11EventPoster::perform(const MouseEvent& event) {
+    if (isMotion(event)) return pointer_.moveTo(event.location);
     const unsigned button = event.button == MouseButton::left ? leftButton : rightButton;
     if (isRelease(event)) {
         releaseButton(button);
-        return Outcome::done;
+        return true;
     }
     const int missing =
         clickRun_.missingClicks(event.button, event.clickState, event.location, queue_.uptime());
     click(button, missing);
     pointer_.notePress();
-    return pressButton(button) ? Outcome::done : Outcome::failed;
+    return pressButton(button);
 }
 
 bool X11EventPoster::pressButton(unsigned button) {
@@ -177,13 +180,6 @@ void X11EventPoster::click(unsigned button, int times) {
         XTestFakeButtonEvent(connection_.display(), button, True, CurrentTime);
     }
     releaseButton(button);
-}
-
-X11EventPoster::Outcome X11EventPoster::perform(const ScrollEvent& event) {
-    if (scrollDevice_ && scrollDevice_->isInUse() && scrollSink_->scroll(event)) return Outcome::done;
-    wheel(vertical_.add(event.wheel1), wheelUp, wheelDown);
-    wheel(horizontal_.add(event.wheel2), wheelLeft, wheelRight);
-    return Outcome::done;
 }
 
 void X11EventPoster::wheel(int clicks, unsigned positiveButton, unsigned negativeButton) {
@@ -223,11 +219,19 @@ void X11EventPoster::restIfUnused() {
     connection_.flush();
 }
 
-void X11EventPoster::releaseEverything() {
-    waiting_.clear();
-    waitingLocation_.reset();
-    highSurrogate_ = 0;
+void X11EventPoster::dropWaiting() {
     retry_.cancel();
+    for (const Operation& operation : std::exchange(waiting_, {})) {
+        if (isRelease(operation)) perform(std::get<KeyEvent>(operation));
+    }
+    highSurrogate_ = 0;
+    vertical_.reset();
+    horizontal_.reset();
+    if (scrollSink_) scrollSink_->dropRemainder();
+}
+
+void X11EventPoster::releaseEverything() {
+    dropWaiting();
     rest_.cancel();
     keyboard_.releaseAll();
     for (const HeldItem& item : ledger_.items()) {

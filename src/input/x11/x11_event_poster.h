@@ -21,9 +21,9 @@ namespace orbinex {
 
 /// Posts events into an X server through its XTEST extension.
 ///
-/// Text that needs more spare keys than the keyboard has at the moment waits for them, and everything posted
-/// after it waits behind it. What is held in the server is written down there too, so that the next start
-/// releases what a process that was killed has left behind.
+/// Text that needs more spare keys than the keyboard has at the moment waits for them, and whatever the
+/// keyboard is to do after it waits behind it; the pointer waits for nothing. What is held in the server is
+/// written down there too, so that the next start releases what a process that was killed has left behind.
 class X11EventPoster final : public EventPoster {
   public:
     struct Options {
@@ -31,7 +31,7 @@ class X11EventPoster final : public EventPoster {
         /// Takes the scrolling while the server takes input from it; must outlive the poster.
         ScrollSink* scrollSink = nullptr;
     };
-    /// Events that may wait behind text; more than this are refused, except releases.
+    /// Characters and keys that may wait; more than this are refused, except releases.
     static constexpr std::size_t maximumWaiting = 10'000;
     /// How long the keyboard rests before spare keys lose their characters again.
     static constexpr std::chrono::milliseconds restTime{300};
@@ -42,7 +42,7 @@ class X11EventPoster final : public EventPoster {
     /// Releases everything.
     ~X11EventPoster() override;
 
-    [[nodiscard]] Point pointerLocation() override;
+    [[nodiscard]] Point pointerLocation() override { return pointer_.location(); }
     [[nodiscard]] std::span<const Rect> activeDisplays() override { return displays_.active(); }
     [[nodiscard]] Rect mainDisplay() override { return displays_.main(); }
     void expectText(std::string_view text) override;
@@ -52,6 +52,7 @@ class X11EventPoster final : public EventPoster {
     bool postKey(const KeyEvent& event) override;
     /// Types on the way down; a character that is cut over two calls is typed with the second.
     bool postUnicode(std::u16string_view units, bool isDown) override;
+    void dropWaiting() override;
 
     /// Drops what waits, lets go of every key and button and gives the keyboard map back as it was. For the
     /// end of the program, also by a signal. A program that has not yet handled the last characters of spare
@@ -59,16 +60,18 @@ class X11EventPoster final : public EventPoster {
     void releaseEverything();
 
   private:
-    using Operation = std::variant<MouseEvent, ScrollEvent, KeyEvent, char32_t>;
+    /// What the keyboard is to do.
+    using Operation = std::variant<KeyEvent, char32_t>;
     enum class Outcome { done, failed, later };
 
+    [[nodiscard]] bool canPost() const { return connection_.isAlive() && connection_.hasXTest(); }
+    bool send();
     bool post(const Operation& operation);
     bool enqueue(const Operation& operation);
     void continueWaiting();
-    Outcome perform(const MouseEvent& event);
-    Outcome perform(const ScrollEvent& event);
     Outcome perform(const KeyEvent& event);
     Outcome perform(char32_t scalar);
+    bool perform(const MouseEvent& event);
     bool pressButton(unsigned button);
     void releaseButton(unsigned button);
     void click(unsigned button, int times);
@@ -90,8 +93,6 @@ class X11EventPoster final : public EventPoster {
     WheelClicks horizontal_;
 
     std::deque<Operation> waiting_;
-    /// Where the pointer will be once everything that waits is posted.
-    std::optional<Point> waitingLocation_;
     /// The first half of a character that the next call completes.
     char16_t highSurrogate_ = 0;
     Timer retry_;

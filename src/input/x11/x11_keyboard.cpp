@@ -154,7 +154,8 @@ bool X11Keyboard::press(std::uint16_t macKeycode, EventFlags flags) {
         } else if (!isHeldByPhone(keycode) && !pressModifier(keycode)) {
             return false;
         }
-    } else if (!pressExactly(keycode, keysFor(flags, keycode, now.group), isNumberPadKey(macKeycode), now)) {
+    } else if (!pressExactly(keycode, Press::toHold, keysFor(flags, keycode, now.group),
+                             isNumberPadKey(macKeycode), now)) {
         return false;
     }
     const bool isKnown =
@@ -194,8 +195,10 @@ X11Keyboard::Typed X11Keyboard::type(char32_t scalar, std::chrono::nanoseconds n
         if (loan->needsMapping && !lendTo(*loan, keysym)) return Typed::impossible;
         keycode = loan->keycode;
     }
-    if (!pressExactly(keycode, modifiers, false, before)) return Typed::impossible;
-    if (!isHeldByPhone(keycode)) letGo(keycode);
+    const bool isHeld = isHeldByPhone(keycode);
+    if (!pressExactly(keycode, isHeld ? Press::toHold : Press::toLetGo, modifiers, false, before))
+        return Typed::impossible;
+    if (!isHeld) letGo(keycode);
     returnBorrowed();
     return connection_.flush() ? Typed::done : Typed::impossible;
 }

@@ -20,15 +20,16 @@ namespace orbinex {
 
 /// Presses keys of an X server so that programs see exactly the modifiers that are asked for, and types
 /// characters that no key gives. Modifiers that a person or somebody else holds, latches or locks are taken
-/// away just for the press. The modifiers that a press needs stay down as long as its key, since the server
-/// repeats a held key with the modifiers of the moment.
+/// away just for the press. The modifiers that a press needs stay down as long as its key or until the next
+/// one. The server does not repeat what is pressed here: a press is one press, however long its release
+/// takes.
 class X11Keyboard {
   public:
     /// Both must outlive the keyboard.
     X11Keyboard(X11Connection& connection, HeldLedger& ledger, CommandKey commandKey);
 
-    /// False for a key that this keyboard does not have. A key that is already down is pressed again, as by
-    /// its own repetition.
+    /// False for a key that this keyboard does not have. A key that is already down is released and pressed
+    /// again, as by its own repetition.
     bool press(std::uint16_t macKeycode, EventFlags flags);
     /// True when the key is up afterwards, also when it was not down.
     bool release(std::uint16_t macKeycode);
@@ -74,8 +75,13 @@ class X11Keyboard {
     [[nodiscard]] ModifierKeys keysFor(EventFlags flags, XKeycode keycode, unsigned group) const;
     [[nodiscard]] XKeycode optionKeyFor(EventFlags flags, XKeycode keycode, unsigned group) const;
 
-    bool pressExactly(XKeycode keycode, const ModifierKeys& wanted, bool wantsNumLock,
+    enum class Press {
+        toLetGo,  ///< released at once
+        toHold,   ///< released who knows when
+    };
+    bool pressExactly(XKeycode keycode, Press kind, const ModifierKeys& wanted, bool wantsNumLock,
                       const _XkbStateRec& state);
+    void pressOnce(XKeycode keycode);
     void liftModifiers(XModifiers wanted, const _XkbStateRec& state, std::vector<XKeycode>& lifted);
     bool borrowModifiers(const ModifierKeys& wanted, XModifiers present);
     /// True when restoreLocks() has something to do.

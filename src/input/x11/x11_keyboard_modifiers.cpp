@@ -44,7 +44,25 @@ void X11Keyboard::returnBorrowed() {
     borrower_ = 0;
 }
 
-bool X11Keyboard::pressExactly(XKeycode keycode, const ModifierKeys& wanted, bool wantsNumLock,
+void X11Keyboard::pressOnce(XKeycode keycode) {
+    Display* const display = connection_.display();
+    // Whether a key repeats is decided as it is pressed, by a setting that the keyboards of a focus share: it
+    // is changed for just this one press, and no key that a person holds stops repeating. The question sends
+    // what is buffered, so that the rest goes to the server in one piece, whatever becomes of us meanwhile.
+    XkbControlsRec controls{};
+    XkbDescRec keyboard{};
+    keyboard.device_spec = XkbUseCoreKbd;
+    keyboard.ctrls = &controls;
+    const bool repeats = XkbGetControls(display, XkbControlsEnabledMask, &keyboard) == Success &&
+                         (controls.enabled_ctrls & XkbRepeatKeysMask) != 0;
+    if (repeats) XkbChangeEnabledControls(display, XkbUseCoreKbd, XkbRepeatKeysMask, 0);
+    // Without this the server would take a second press for repetition, and ignore it.
+    if (isHeldByPhone(keycode)) send(keycode, false);
+    send(keycode, true);
+    if (repeats) XkbChangeEnabledControls(display, XkbUseCoreKbd, XkbRepeatKeysMask, XkbRepeatKeysMask);
+}
+
+bool X11Keyboard::pressExactly(XKeycode keycode, Press kind, const ModifierKeys& wanted, bool wantsNumLock,
                                const XkbStateRec& state) {
     XModifiers mask = 0;
     for (const XKeycode key : wanted.all()) mask |= keymap_->modifiersOf(key);
@@ -55,7 +73,11 @@ bool X11Keyboard::pressExactly(XKeycode keycode, const ModifierKeys& wanted, boo
     const bool canPress =
         borrowModifiers(wanted, state.base_mods) && ledger_.hold({HeldItem::Kind::key, keycode, 0});
     if (canPress) {
-        send(keycode, true);
+        if (kind == Press::toHold) {
+            pressOnce(keycode);
+        } else {
+            send(keycode, true);
+        }
         borrower_ = keycode;
     } else {
         returnBorrowed();

@@ -41,6 +41,8 @@ class Kernel {
 
     bool scroll(const ScrollEvent& event) { return scroll_->scroll(event); }
 
+    void dropRemainder() { scroll_->dropRemainder(); }
+
     /// The same while only so many bytes more are taken.
     bool scrollWithRoomFor(std::size_t bytes, const ScrollEvent& event) {
         rlimit before{};
@@ -109,6 +111,10 @@ TEST(UinputScroll, carriesTheRestsOfBothAxesApart) {
               (Events{turned(REL_WHEEL_HI_RES, 62), turned(REL_HWHEEL_HI_RES, -2), mark,
                       turned(REL_WHEEL_HI_RES, 58), turned(REL_WHEEL, 1), turned(REL_HWHEEL_HI_RES, -2), mark,
                       turned(REL_WHEEL_HI_RES, -2), turned(REL_HWHEEL_HI_RES, -3), mark}));
+    kernel.dropRemainder();
+    EXPECT_TRUE(kernel.scroll({50, -49}));
+    EXPECT_EQ(kernel.take(), (Events{turned(REL_WHEEL_HI_RES, 120), turned(REL_WHEEL, 1),
+                                     turned(REL_HWHEEL_HI_RES, 117), mark}));
 }
 
 TEST(UinputScroll, anEventThatIsNotTakenLeavesTheWheelsWhereTheyWere) {

@@ -257,6 +257,11 @@ TEST_F(X11PointerTest, scrollsBecomeWheelClicksWithTheRestCarried) {
     EXPECT_EQ(scroll(-5, 5), Buttons({5, 6}));
     // However far, one event is no more than a strong flick.
     EXPECT_EQ(scroll(0, 1e30F), Buttons(10, 5));
+    // The next iPhone begins anew.
+    input.manager.releaseAll();
+    scroll(4, 4);
+    input.manager.releaseAll();
+    EXPECT_EQ(scroll(4, 4), Buttons{});
 }
 
 TEST_F(X11PointerTest, movesClicksAndScrollsAllocateNothing) {

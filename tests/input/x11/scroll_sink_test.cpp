@@ -27,6 +27,8 @@ class Sink final : public ScrollSink {
         events.push_back(event);
         return true;
     }
+    void dropRemainder() override { ++drops; }
+    int drops = 0;
 
   private:
     std::string name_;
@@ -55,6 +57,8 @@ TEST_F(X11ScrollSinkTest, aDeviceThatTheServerListensToTakesTheScrollingWhole) {
     input.sync();
     EXPECT_EQ(sink.events, (std::vector<ScrollEvent>{{200, -5}}));
     EXPECT_TRUE(client->takeEvents().empty());
+    input.manager.releaseAll();
+    EXPECT_EQ(sink.drops, 1);
 }
 
 TEST_F(X11ScrollSinkTest, aDeviceThatTheServerDoesNotKnowIsLeftAlone) {

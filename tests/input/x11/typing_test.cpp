@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "input/x11/x11_test.h"
+#include "support/comes_to_pass.h"
 
 namespace orbinex::test {
 namespace {
@@ -24,6 +25,17 @@ constexpr unsigned shiftState = 1;
 constexpr unsigned capsLock = 2;
 
 class X11TypingTest : public X11Test {};
+
+/// Sixty ideographs.
+std::string moreThanTheSpareKeysGive() {
+    std::string text;
+    for (char32_t scalar = 0x4E00; scalar < 0x4E00 + 60; ++scalar) {
+        text += static_cast<char>(0xE0 | scalar >> 12);
+        text += static_cast<char>(0x80 | (scalar >> 6 & 0x3F));
+        text += static_cast<char>(0x80 | (scalar & 0x3F));
+    }
+    return text;
+}
 
 /// The modifiers that the client saw with the first press that gave something else than a modifier.
 const XClient::Event* firstPress(const std::vector<XClient::Event>& events, unsigned keycode) {
@@ -122,37 +134,113 @@ TEST_F(X11TypingTest, theKeyboardMapDoesNotChangeWithinAText) {
     letTimePass(input);
 }
 
-TEST_F(X11TypingTest, whatFollowsTextWaitsForIt) {
+TEST_F(X11TypingTest, keysThatFollowTextWaitForItAndThePointerDoesNot) {
     X11Input input(server->display());
     client->takeEvents();
-    std::string text;
-    for (char32_t scalar = 0x4E00; scalar < 0x4E00 + 60; ++scalar) {
-        text += static_cast<char>(0xE0 | scalar >> 12);
-        text += static_cast<char>(0x80 | (scalar >> 6 & 0x3F));
-        text += static_cast<char>(0x80 | (scalar & 0x3F));
-    }
-    const Point before = input.poster.pointerLocation();
+    const std::string text = moreThanTheSpareKeysGive();
     input.manager.handle({DecodedPacket::Text{text, none, std::nullopt}});
     input.manager.handle({DecodedPacket::KeyStroke{0, none, KeyState::pressed}});
     input.manager.handle({DecodedPacket::KeyStroke{0, none, KeyState::released}});
-    input.manager.handle({DecodedPacket::MouseMove{10, 0}});
-    input.manager.handle({DecodedPacket::MouseMove{10, 5}});
-    EXPECT_EQ(input.poster.pointerLocation(), (Point{before.x + 20, before.y + 5}));
+    const auto [x, y] = client->pointer();
+    input.manager.handle({DecodedPacket::MouseMove{20, 5}});
     input.manager.handle({DecodedPacket::MouseClick{MouseButton::left, 1}});
-    input.manager.handle({DecodedPacket::MouseMove{-20, -5}});
-    letTimePass(input);
-
+    input.manager.handle({DecodedPacket::MouseScroll{0, 5}});
+    EXPECT_EQ(client->pointer(), std::pair(x + 20, y + 5));
     std::string seen;
-    for (const auto& event : client->takeEvents()) {
-        if (event.type == Type::keyPress) seen += event.text;
-        if (event.type == Type::buttonPress) {
-            seen += "click";
-            EXPECT_EQ(event.x, static_cast<int>(before.x) + 20);
+    std::vector<unsigned> buttons;
+    const auto look = [&] {
+        for (const auto& event : client->takeEvents()) {
+            if (event.type == Type::keyPress) seen += event.text;
+            if (event.type == Type::buttonPress) buttons.push_back(event.detail);
         }
-        if (event.type == Type::motion) seen += ".";
+    };
+    look();
+    EXPECT_EQ(buttons, (std::vector<unsigned>{1, 5}));
+    EXPECT_LT(seen.size(), text.size());
+    letTimePass(input);
+    look();
+    EXPECT_EQ(seen, text + "a");
+}
+
+TEST_F(X11TypingTest, nothingIsTypedAndNothingStaysDownOnceTheLinkIsLost) {
+    X11Input input(server->display());
+    const auto key = [&](std::uint16_t code, KeyState state) {
+        input.manager.handle({DecodedPacket::KeyStroke{code, none, state}});
+    };
+    key(0, KeyState::pressed);
+    key(1, KeyState::pressed);
+    input.manager.handle({DecodedPacket::Text{moreThanTheSpareKeysGive(), none, std::nullopt}});
+    input.manager.handle({DecodedPacket::MouseButtonChange{MouseButton::left, KeyState::pressed}});
+    key(0, KeyState::released);
+    key(2, KeyState::pressed);
+    input.sync();
+    EXPECT_EQ(client->keysDown(), (std::vector<unsigned>{38, 39}));
+    EXPECT_NE(client->buttonsDown(), 0U);
+    input.manager.releaseAll();
+    input.sync();
+    EXPECT_TRUE(client->keysDown().empty());
+    EXPECT_EQ(client->buttonsDown(), 0U);
+    client->takeEvents();
+    letTimePass(input);
+    EXPECT_EQ(client->takeText(), "");
+    EXPECT_EQ(typed(input, "ok ж"), "ok ж");
+}
+
+// The server repeats keys here after 20 ms, every 10 ms, by its own clock.
+TEST_F(X11TypingTest, whatThePhoneHoldsIsNotRepeatedAndWhatAPersonHoldsIs) {
+    ASSERT_TRUE(server->run("xset r rate 20 100"));
+    X11Input input(server->display());
+    const auto key = [&](KeyState state) {
+        input.manager.handle({DecodedPacket::KeyStroke{51, none, state}});
+        input.sync();
+    };
+    // How often any key is seen pressed until the server's clock has gone on for long enough to repeat it.
+    const auto presses = [&] {
+        std::ptrdiff_t count = 0;
+        std::optional<unsigned long> first;
+        EXPECT_TRUE(comesToPass(input.queue, [&] {
+            client->physicalMovePointerBy(first ? 1 : -1, 0);
+            const auto events = client->takeEvents();
+            count += std::ranges::count(events, Type::keyPress, &XClient::Event::type);
+            if (!first) first = events.back().time;
+            return events.back().time > *first + 60;
+        }));
+        return count;
+    };
+    const auto personsPresses = [&] {
+        client->physicalKey(38, true);
+        const auto count = presses();
+        client->physicalKey(38, false);
+        return count;
+    };
+    // The server's keyboard takes over the settings of the device that is used, whenever that is another one.
+    for (const char* before :
+         {"true", "xset r off; xset r on", "setxkbmap de",
+          "xinput create-master other; xinput reattach 'Xvfb keyboard' 'other keyboard'; "
+          "xinput reattach 'Xvfb keyboard' 'Virtual core keyboard'; "
+          "xinput remove-master 'other pointer'"}) {
+        ASSERT_TRUE(server->run(before)) << before;
+        for (const bool isPersonsTurn : {true, false}) {
+            if (isPersonsTurn) {
+                EXPECT_GT(personsPresses(), 2) << before;
+            }
+            client->takeEvents();
+            key(KeyState::pressed);
+            EXPECT_EQ(presses(), 1) << before << isPersonsTurn;
+            key(KeyState::pressed);
+            EXPECT_EQ(presses(), 1) << before << isPersonsTurn;
+            EXPECT_EQ(client->keysDown(), std::vector<unsigned>{22});
+            key(KeyState::released);
+        }
     }
-    EXPECT_EQ(seen, text + "a..click.");
-    EXPECT_EQ(input.poster.pointerLocation(), before);
+    // Where nothing is repeated, nothing is from then on either.
+    ASSERT_TRUE(server->run("xset r off"));
+    key(KeyState::pressed);
+    key(KeyState::released);
+    client->takeEvents();
+    EXPECT_EQ(personsPresses(), 1);
+    ASSERT_TRUE(server->run("xset r on"));
+    selectLayout("us");
 }
 
 TEST_F(X11TypingTest, spareKeysAreGivenBackAfterARest) {
