@@ -18,6 +18,7 @@
 #include "editor_bridge/fader_law.h"
 #include "editor_bridge/fader_reports.h"
 #include "support/allocation_counter.h"
+#include "support/publish_in_test.h"
 
 namespace orbinex {
 namespace {
@@ -133,7 +134,7 @@ TEST(MIDISurface, movesTheSessionsFadersAndTellsTheIPhone) {
     EXPECT_EQ(world.session().masterVolumeDB, faderScalarToDB(0.5))
         << "which the master follows at the next look";
     EXPECT_EQ(world.session().tracks[3].volumeDB, faderScalarToDB(0.5));
-    world.daemon->dawSnapshot.edit([](auto& session) { session.tracks.clear(); });
+    PublishInTest::edit(world.daemon->dawSnapshot, [](auto& session) { session.tracks.clear(); });
     world.forget();
     world.feedback({0xE8, 0x00, 0x00});
     EXPECT_EQ(world.session().masterVolumeDB, -96) << "also without a track of its own";
