@@ -63,14 +63,19 @@ function(orbinex_bench name)
   target_link_libraries(${name} PRIVATE orbinex_options ${ARG_DEPENDS} benchmark::benchmark)
 endfunction()
 
-# orbinex_fuzz(NAME SOURCES file... [DEPENDS target...]): one libFuzzer target; its seed corpus is
-# fuzz/corpus/NAME.
+# orbinex_fuzz(NAME SOURCES file... [DEPENDS target...]): one libFuzzer target; its seed corpus is fuzz/corpus/NAME. Without
+# libFuzzer it is a test that runs every input of the corpus once.
 function(orbinex_fuzz name)
   cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
-  target_compile_options(${name} PRIVATE -fsanitize=fuzzer)
-  target_link_options(${name} PRIVATE -fsanitize=fuzzer)
   target_link_libraries(${name} PRIVATE orbinex_options ${ARG_DEPENDS})
+  if(ORBINEX_BUILD_FUZZ)
+    target_compile_options(${name} PRIVATE -fsanitize=fuzzer)
+    target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+  else()
+    target_link_libraries(${name} PRIVATE orbinex_fuzz_replay)
+    add_test(NAME ${name} COMMAND ${name} ${CMAKE_CURRENT_SOURCE_DIR}/corpus/${name})
+  endif()
 endfunction()
 
 # orbinex_embed_text(TARGET FILE HEADER FUNCTION): adds a source that defines std::string_view FUNCTION(), the text of FILE, as

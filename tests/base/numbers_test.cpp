@@ -2,7 +2,6 @@
 
 #include <array>
 #include <bit>
-#include <cctype>
 #include <cmath>
 #include <cstdio>
 #include <limits>
@@ -92,50 +91,6 @@ TEST(Decimals, takeEveryFormThatAProgramWrites) {
 
     EXPECT_TRUE(std::isnan(parseDecimal("nan").value_or(0)));
     EXPECT_TRUE(std::signbit(parseDecimal("-0").value_or(1)));
-}
-
-/// What the C library makes of the whole text, in the "C" locale that a test starts in.
-std::optional<double> readByTheCLibrary(const std::string& text) {
-    if (text.empty() || std::isspace(static_cast<unsigned char>(text.front()))) return std::nullopt;
-    char* end = nullptr;
-    const double value = std::strtod(text.c_str(), &end);
-    if (end != text.c_str() + text.size()) return std::nullopt;
-    return value;
-}
-
-std::string randomNumberText(std::mt19937& random) {
-    const auto below = [&](unsigned bound) { return static_cast<unsigned>(random() % bound); };
-    std::string text(std::string_view("+-").substr(below(2), below(2)));
-    const bool hexadecimal = below(3) == 0;
-    if (hexadecimal) text += below(2) != 0 ? "0x" : "0X";
-    const std::string_view digits = hexadecimal ? "0123456789abcdefABCDEF" : "0123456789";
-    for (unsigned n = below(12); n > 0; --n)
-        text += below(3) == 0 ? '0' : digits[below(static_cast<unsigned>(digits.size()))];
-    if (below(2) != 0) text += '.';
-    for (unsigned n = below(25); n > 0; --n)
-        text += below(3) == 0 ? '0' : digits[below(static_cast<unsigned>(digits.size()))];
-    if (below(3) != 0)
-        text += (hexadecimal ? "p" : "e") + std::to_string(static_cast<int>(below(2400)) - 1200);
-    // Now and then damage it.
-    if (!text.empty() && below(4) == 0)
-        text[below(static_cast<unsigned>(text.size()))] = "+-.exp \tinfa(1)"[below(15)];
-    return text;
-}
-
-TEST(Decimals, agreeWithTheCLibraryOnWhateverIsWritten) {
-    std::mt19937 random(20240501);
-    int numbers = 0;
-    for (int i = 0; i < 200000; ++i) {
-        const std::string text = randomNumberText(random);
-        const auto expected = readByTheCLibrary(text);
-        const auto actual = parseDecimal(text);
-        ASSERT_EQ(actual.has_value(), expected.has_value()) << text;
-        if (!expected) continue;
-        ++numbers;
-        const auto same = std::bit_cast<std::uint64_t>(*actual) == std::bit_cast<std::uint64_t>(*expected);
-        ASSERT_TRUE(same || (std::isnan(*actual) && std::isnan(*expected))) << text;
-    }
-    EXPECT_GT(numbers, 50000);
 }
 
 TEST(FixedFormat, isThatOfPrintf) {

@@ -1,7 +1,5 @@
 #include "base/text.h"
 
-#include <random>
-
 #include <gtest/gtest.h>
 
 #include "support/comma_locale.h"
@@ -177,30 +175,6 @@ TEST(Split, keepsEmptyFields) {
     EXPECT_EQ(split("", '|'), Fields{""});
     EXPECT_EQ(split("a|b", '|'), (Fields{"a", "b"}));
     EXPECT_EQ(split("|a||", '|'), (Fields{"", "a", "", ""}));
-}
-
-TEST(Text, isSafeInWhateverBytesItIsGiven) {
-    std::mt19937 random(3);
-    for (int i = 0; i < 5000; ++i) {
-        std::string bytes(random() % 24, '\0');
-        for (char& byte : bytes)
-            byte = static_cast<char>(random() % 4 == 0 ? random() % 128 : 0x80 + random() % 128);
-
-        const std::string repaired = repairUTF8(bytesOf(bytes));
-        ASSERT_TRUE(strictUTF8(bytesOf(repaired)));
-        ASSERT_EQ(strictUTF8(bytesOf(bytes)).has_value(), repaired == bytes);
-        ASSERT_EQ(utf8(utf16(repaired)), repaired);
-        ASSERT_TRUE(strictUTF8(bytesOf(lowercased(bytes))));
-        ASSERT_LE(trimControlCharacters(bytes).size(), bytes.size());
-        ASSERT_LE(trimWhitespace(bytes).size(), bytes.size());
-        const auto prefix = validUTF8(bytesOf(bytes));
-        ASSERT_TRUE(strictUTF8(bytesOf(bytes).first(prefix.length)));
-        ASSERT_LE(bytes.size() - prefix.length, prefix.isCut ? 3U : bytes.size());
-        std::size_t walked = 0;
-        while (walked < bytes.size()) walked += firstCharacterLength(std::string_view(bytes).substr(walked));
-        ASSERT_EQ(walked, bytes.size());
-        ASSERT_EQ(canonicalForm(canonicalForm(repaired)), canonicalForm(repaired));
-    }
 }
 
 }  // namespace
