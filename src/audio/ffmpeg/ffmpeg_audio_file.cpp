@@ -252,7 +252,8 @@ bool FFmpegAudioFile::placeNext() {
             timestamp == AV_NOPTS_VALUE ? *expected : placement_->position(timestamp, expected);
         const auto end = start + decoder_->frameLength();
         // Of two timestamps that contradict each other before anything is heard the earlier one is right.
-        const bool wasLate = expected && start < *expected && *expected < exactFrom_;
+        const bool wasLate =
+            expected && *expected < exactFrom_ && placement_->tellsOfLateness(start, *expected);
         const auto silenceFrom = wasLate ? start : expected.value_or(start);
         if (end <= silenceFrom) continue;
         placed_ = Placed{silenceFrom, start, end};

@@ -32,6 +32,12 @@ class FramePlacement {
     /// nothing after a seek.
     [[nodiscard]] std::int64_t position(std::int64_t timestamp, std::optional<std::int64_t> expected) const;
 
+    /// True when a frame that begins here tells that the one before, which ended at `expected`, had a late
+    /// timestamp.
+    [[nodiscard]] bool tellsOfLateness(std::int64_t position, std::int64_t expected) const {
+        return position < expected && position >= expected - lateness_;
+    }
+
     /// A timestamp that is not after `position`.
     [[nodiscard]] std::int64_t timestampBefore(std::int64_t position) const;
 

@@ -36,17 +36,21 @@ class CountedMedia final : public ClipMedia {
         ++openings;
         if (path == "bomb") throw std::bad_alloc();
         if (isBroken) return nullptr;
-        return std::make_unique<CountedFile>(sound_, openFiles);
+        return std::make_unique<CountedFile>(sound_, openFiles, workers_);
     }
 
   private:
     class CountedFile final : public AudioFile {
       public:
-        CountedFile(std::shared_ptr<const SimulatedSound> sound, int& openFiles)
-            : file_(std::move(sound)), openFiles_(openFiles) {
+        CountedFile(std::shared_ptr<const SimulatedSound> sound, int& openFiles,
+                    std::shared_ptr<test::ManualMediaWorkers> workers)
+            : file_(std::move(sound)), openFiles_(openFiles), workers_(std::move(workers)) {
             ++openFiles_;
         }
-        ~CountedFile() override { --openFiles_; }
+        ~CountedFile() override {
+            EXPECT_TRUE(workers_->isWorkerThread()) << "a disk may hang when a file is closed";
+            --openFiles_;
+        }
         double sampleRate() const override { return file_.sampleRate(); }
         std::int64_t totalSampleFrames() const override { return file_.totalSampleFrames(); }
         int channelCount() const override { return file_.channelCount(); }
@@ -59,6 +63,7 @@ class CountedMedia final : public ClipMedia {
       private:
         SimulatedAudioFile file_;
         int& openFiles_;
+        std::shared_ptr<test::ManualMediaWorkers> workers_;
     };
 
     std::shared_ptr<test::ManualMediaWorkers> workers_;

@@ -150,6 +150,23 @@ TEST(ChunkPlan, triesAgainForWhatCameIncompletely) {
     EXPECT_TRUE(plan.read({9, 9}, 2h));
 }
 
+TEST(ChunkPlan, fetchesAheadOfWhatWasAtHandAnyway) {
+    ChunkPlan plan(10);
+    plan.noteRead({4, 4}, 1h);
+    EXPECT_TRUE(plan.find(4));
+    for (const std::int64_t chunk : {5, 6}) {
+        const auto fetch = plan.beginFetch();
+        ASSERT_TRUE(fetch);
+        EXPECT_EQ(fetch->chunk, chunk);
+        EXPECT_FALSE(fetch->isDemanded);
+    }
+    EXPECT_FALSE(plan.hasWork());
+    EXPECT_TRUE(plan.read({4, 4}, 1h + 600ms)) << "nothing of it was missing";
+    plan.lose({4, 4});
+    EXPECT_FALSE(plan.find(4));
+    EXPECT_TRUE(plan.hasDemand());
+}
+
 TEST(ChunkPlan, leavesAloneWhatIsBeingFetched) {
     ChunkPlan plan(100'000);
     plan.read({1, 1}, 1h);

@@ -103,7 +103,7 @@ const Recipe recipes[] = {
     {"ac3-video.vob", 0, "-c:v mpeg2video -c:a ac3", Exactness::madeUpNoise, true},
     {"s302m.ts", 0, "-c:a s302m -strict -2"},
     {"s16.gxf", 4, "-c:v mpeg2video -s 720x576 -c:a pcm_s16le", Exactness::exact, true},
-    {"wavpack.wv", 1, "-c:a wavpack"},
+    {"wavpack.wv", 1, "-c:a wavpack", costly},
     {"ima4.mov", 1, "-c:a adpcm_ima_qt", Exactness::coarse},
     {"s16-video.avi", 0, "-c:v mpeg4 -c:a pcm_s16le", Exactness::exact, true},
     {"mp3-video.avi", 1, "-c:v mpeg4 -c:a libmp3lame", Exactness::exact, true},

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "audio/audio_file.h"
+#include "audio/sndfile/disc_media_file.h"
 
 namespace orbinex::test {
 
@@ -55,6 +56,14 @@ inline float differenceOfRead(AudioFile& file, const StraightDecode& straight, s
     if (read != std::min({count, straight.length() - start, std::int64_t{PCMBuffer::frameCapacity}}))
         return 9;
     return differenceOf(file, buffer, straight, start, read);
+}
+
+/// The largest difference when it is read from its start to its end.
+inline float differenceOfStraightRead(AudioFile& file, const StraightDecode& straight) {
+    float largest = 0;
+    for (std::int64_t start = 0; start < straight.length(); start += 1500)
+        largest = std::max(largest, differenceOfRead(file, straight, start, 1500));
+    return largest;
 }
 
 /// The largest difference of all reads of the ways in which a file is read: anywhere, on and on, backwards,
@@ -113,6 +122,31 @@ inline void readAtRandom(AudioFile& file, unsigned seed, int reads) {
         file.read(i % 5 == 4 ? 0 : start, 1 + random() % 2048, buffer);
     }
     file.read(file.totalSampleFrames() - 1, 2048, buffer);
+}
+
+/// That what is read of a file whose disc goes now and then, or that is cut short, is right, and that all can
+/// be read once that is over.
+inline void expectTheSameAfterTheDiscWasGone(AudioFile& file, Disc& disc, const StraightDecode& straight) {
+    const auto whole = disc.bytes;
+    PCMBuffer buffer(file.sampleType(), file.channelCount());
+    std::mt19937 random(3);
+    const auto anywhere = [&] { return static_cast<std::int64_t>(random()) % straight.length(); };
+    for (int round = 0; round < rounds; ++round) {
+        disc.readsLeft = static_cast<int>(random() % 8);
+        for (int i = 0; i < 12; ++i) {
+            const auto start = anywhere();
+            const auto read = static_cast<std::int64_t>(file.read(start, 1024, buffer));
+            EXPECT_EQ(differenceOf(file, buffer, straight, start, read), 0) << start;
+        }
+        disc.readsLeft = -1;
+        disc.isThere = true;
+        const auto start = anywhere();
+        EXPECT_EQ(differenceOfRead(file, straight, start, 1024), 0) << start;
+        disc.bytes.resize(random() % whole.size());
+        readAtRandom(file, static_cast<unsigned>(round), 3);
+        disc.bytes = whole;
+        EXPECT_EQ(differenceOfRead(file, straight, start, 1024), 0) << "it was cut short";
+    }
 }
 
 }  // namespace orbinex::test
