@@ -108,9 +108,9 @@ TEST(HostileMedia, ofATrackWhoseSamplesAreInAnotherFileGivesNothingOfThatFile) {
 }
 
 std::size_t find(const Bytes& bytes, std::string_view mark) {
-    const auto found = std::ranges::search(bytes, mark);
-    EXPECT_FALSE(found.empty()) << mark;
-    return static_cast<std::size_t>(found.begin() - bytes.begin());
+    const auto found = std::search(bytes.begin(), bytes.end(), mark.begin(), mark.end());
+    EXPECT_NE(found, bytes.end()) << mark;
+    return static_cast<std::size_t>(found - bytes.begin());
 }
 
 std::uint32_t numberAt(const Bytes& bytes, std::size_t at) {
