@@ -55,16 +55,10 @@ void readHeader(std::string_view line, DAWSessionSnapshot& session) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const ByteView bytes(data, size);
     const std::size_t cut = size == 0 ? 0 : data[0] % (size + 1);
-    ScriptText text;
-    LineSplitter splitter;
+    LineReader reader;
     DAWSessionSnapshot session = DAWSessionSnapshot::placeholder();
     for (const ByteView piece : {bytes.first(cut), bytes.subspan(cut)}) {
-        const auto decoded = text.decode(piece);
-        if (!decoded) {
-            splitter.skip(piece.back() == '\n');
-            continue;
-        }
-        splitter.take(*decoded, [&](std::string_view line) {
+        reader.take(piece, [&](std::string_view line) {
             REQUIRE(line.find('\n') == std::string_view::npos);
             readTimecode(line);
             readHeader(line, session);

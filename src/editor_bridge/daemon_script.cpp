@@ -19,7 +19,6 @@ void AppWatcherDaemon::startResolveBridge() {
 void AppWatcherDaemon::stopResolveBridge() {
     playbackStopTimer_.cancel();
     resolveProcess_.reset();
-    scriptText_.clear();
     stdoutBuffer_.clear();
 }
 
@@ -28,10 +27,7 @@ void AppWatcherDaemon::enqueueResolveCommand(std::string_view line) {
 }
 
 void AppWatcherDaemon::ingestResolveOutput(ByteView read) {
-    if (read.empty()) return;
-    const auto text = scriptText_.decode(read);
-    if (!text) return stdoutBuffer_.skip(read.back() == '\n');
-    stdoutBuffer_.take(*text, [this](std::string_view line) { handleLine(line); });
+    stdoutBuffer_.take(read, [this](std::string_view line) { handleLine(line); });
 }
 
 void AppWatcherDaemon::handleLine(std::string_view line) {

@@ -9,32 +9,23 @@
 
 namespace orbinex {
 
-/// Makes text of what arrives in reads that are cut anywhere. Allocates nothing once it has seen reads of
+/// Makes lines of what arrives in reads that are cut anywhere. Allocates nothing once it has seen reads of
 /// that size.
-class ScriptText {
-  public:
-    /// The characters that are complete with this read; a last one that is cut off waits for the next.
-    /// Nothing when the read is not UTF-8: it is dropped whole. Valid until the next call.
-    std::optional<std::string_view> decode(ByteView read);
-    void clear() { cut_.clear(); }
-
-  private:
-    /// The beginning of a character, at most 3 bytes.
-    std::string cut_;
-    std::string text_;
-};
-
-/// Cuts text that arrives in pieces into lines.
-class LineSplitter {
+class LineReader {
   public:
     /// Far more than any line of the script needs, in bytes. A longer line is dropped whole, up to its end.
     static constexpr std::size_t longestLine = 65'536;
 
-    /// Calls `onLine` with every line that this piece ends, without white space at its ends. The line is
-    /// valid during the call. After a clear() in it the rest of the piece is not looked at.
+    /// Calls `onLine` with every line that this read ends, without white space at its ends. The line is valid
+    /// during the call. After a clear() in it the rest of the read is not looked at. A character that is cut
+    /// off waits for the next read; a read that is not UTF-8 is dropped, with the line that it is part of.
     template <class OnLine>
-    void take(std::string_view piece, OnLine onLine) {
+    void take(ByteView read, OnLine onLine) {
+        if (read.empty()) return;
+        const auto text = decoded(read);
+        if (!text) return skip(read.back() == '\n');
         const auto era = era_;
+        std::string_view piece = *text;
         for (auto end = piece.find('\n'); end != std::string_view::npos && era == era_;
              end = piece.find('\n')) {
             const auto line = finished(piece.substr(0, end));
@@ -43,15 +34,18 @@ class LineSplitter {
         }
         if (era == era_) keep(piece);
     }
-    /// A piece between is missing; the line that it belonged to is dropped. `endsLine` tells whether it ended
-    /// with one.
-    void skip(bool endsLine);
     void clear();
 
   private:
+    std::optional<std::string_view> decoded(ByteView read);
+    /// The line that has begun is dropped.
+    void skip(bool endsIt);
     std::optional<std::string_view> finished(std::string_view end);
     void keep(std::string_view piece);
 
+    /// The beginning of a character, at most 3 bytes.
+    std::string cut_;
+    std::string text_;
     std::string unfinished_;
     /// Complete, while it is looked at.
     std::string line_;

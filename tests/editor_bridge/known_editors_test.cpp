@@ -71,6 +71,12 @@ TEST(EditorNames, areNotThoseOfOtherPrograms) {
     EXPECT_EQ(editorWithID("resolve"), nullptr);
 }
 
+TEST(EditorNames, areToldOfAllButTheFiveThatEveryIPhoneKnows) {
+    const auto editors = knownEditors();
+    for (std::size_t i = 0; i < editors.size(); ++i)
+        EXPECT_EQ(editors[i].isToldByName, i >= 5) << editors[i].application.localizedName;
+}
+
 TEST(EditorIdentity, ofResolveIsAnIdentifierOrAName) {
     EXPECT_TRUE(isResolve({"com.Blackmagic-Design.davinciresolve", "Anything"}));
     EXPECT_TRUE(isResolve({"", "davinci resolve Studio 19"}));
