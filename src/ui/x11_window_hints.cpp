@@ -41,7 +41,7 @@ void askWindowManager(xcb_connection_t* connection, xcb_window_t window, xcb_ato
 }
 
 /// As text in quotes.
-std::string quoted(std::string_view text) {
+std::string quotedText(std::string_view text) {
     std::string result = "\"";
     for (const char c : text) {
         if (c == '"' || c == '\\') result += '\\';
@@ -111,7 +111,7 @@ void tellLaunched(QWindow& window, std::string_view startupToken) {
     xcb_connection_t* const connection = toolkitX11Connection();
     if (!connection || startupToken.empty()) return;
     // The text and its NUL go in pieces, the first of which has a type of its own.
-    const std::string text = "remove: ID=" + quoted(startupToken);
+    const std::string text = "remove: ID=" + quotedText(startupToken);
     const std::size_t size = text.size() + 1;
     xcb_client_message_event_t message{};
     message.response_type = XCB_CLIENT_MESSAGE;

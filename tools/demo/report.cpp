@@ -9,7 +9,7 @@ namespace orbinex::demo {
 namespace {
 
 /// The text on one line, in quotation marks.
-std::string quoted(std::string_view text) {
+std::string quotedText(std::string_view text) {
     std::string result = "“";
     for (const char c : text) {
         if (c == '\n') {
@@ -52,10 +52,10 @@ void Report::step(std::string_view name, std::string_view expected, std::string_
     const bool isPassed = expected == readBack;
     ++(isPassed ? passed_ : failed_);
     if (isPassed) {
-        print("    ok        " + std::string(name) + ": " + quoted(readBack));
+        print("    ok        " + std::string(name) + ": " + quotedText(readBack));
     } else {
-        print("    FAILED    " + std::string(name) + ": expected " + quoted(expected) + ", read back " +
-              quoted(readBack));
+        print("    FAILED    " + std::string(name) + ": expected " + quotedText(expected) + ", read back " +
+              quotedText(readBack));
     }
 }
 

@@ -10,7 +10,7 @@ namespace orbinex::test_phone {
 
 namespace {
 
-std::string quoted(std::string_view text) {
+std::string quotedText(std::string_view text) {
     return "\"" + printable(text) + "\"";
 }
 
@@ -24,7 +24,7 @@ std::string_view word(bool holds, std::string_view text) {
 }
 
 std::string text(const ControlMessage::Hello& hello) {
-    return "hello " + std::to_string(hello.protocolVersion) + " " + quoted(hello.macName);
+    return "hello " + std::to_string(hello.protocolVersion) + " " + quotedText(hello.macName);
 }
 
 std::string text(const ControlMessage::ActiveApp& app) {
@@ -34,23 +34,23 @@ std::string text(const ControlMessage::ActiveApp& app) {
 std::string text(const SessionTelemetry& telemetry) {
     return "telemetry " + printable(telemetry.timecode) + " " + formatFixed(telemetry.fps, 3) + " fps " +
            printable(telemetry.playbackSpeed) + (telemetry.isPlaying ? " playing " : " stopped ") +
-           quoted(telemetry.appVersion) + " timeline " + quoted(telemetry.timelineName) + " page " +
-           quoted(telemetry.pageName);
+           quotedText(telemetry.appVersion) + " timeline " + quotedText(telemetry.timelineName) + " page " +
+           quotedText(telemetry.pageName);
 }
 
 std::string text(const DAWHeader& header) {
-    std::string result = "header " + printable(header.dawID) + " project " + quoted(header.projectName) +
+    std::string result = "header " + printable(header.dawID) + " project " + quotedText(header.projectName) +
                          " master " + decibels(header.masterVolumeDB);
     result += word(header.masterMuted, " muted");
     result += word(header.midiSurfaceOnline, " midi-surface");
     result += word(header.clipsLinked, " clips-linked");
-    return result + " clip " + quoted(header.clipName) + " node " + std::to_string(header.selectedNodeIndex) +
+    return result + " clip " + quotedText(header.clipName) + " node " + std::to_string(header.selectedNodeIndex) +
            "/" + std::to_string(header.nodeCount) + (header.isNodeEnabled ? " enabled" : " disabled");
 }
 
 std::string text(const DAWTrackState& track) {
     std::string result = "track " + std::to_string(track.index) + "/" + std::to_string(track.totalTracks) +
-                         " " + printable(track.badge) + " " + quoted(track.name) + " " +
+                         " " + printable(track.badge) + " " + quotedText(track.name) + " " +
                          printable(track.format) + " " + decibels(track.volumeDB) + " pan " +
                          formatFixed(track.pan, 0);
     result += word(track.isMuted, " muted");
@@ -64,8 +64,8 @@ std::string text(const DAWTrackState& track) {
     if (track.dialogueLevelerEnabled) {
         result += " dialogue-leveler " + decibels(track.dialogueLevelerGainDB);
     }
-    return result + " by " + quoted(rawValue(track.controlMode)) +
-           (track.hasActiveClip ? " clip " : " inactive clip ") + quoted(track.clipName) + " " +
+    return result + " by " + quotedText(rawValue(track.controlMode)) +
+           (track.hasActiveClip ? " clip " : " inactive clip ") + quotedText(track.clipName) + " " +
            printable(track.clipUID);
 }
 

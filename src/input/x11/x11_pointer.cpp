@@ -46,10 +46,12 @@ bool X11Pointer::isTrusted(Point point) {
 
 Point X11Pointer::location() {
     readAnswer();
-    return isTrusted(location_) ? location_ : askLocation();
+    isRemembered_ = isTrusted(location_);
+    return isRemembered_ ? location_ : askLocation();
 }
 
 Point X11Pointer::askLocation() {
+    isRemembered_ = false;
     if (question_) xcb_discard_reply(xcb_, question_->sequence);
     question_.reset();
     const auto cookie = xcb_query_pointer(xcb_, static_cast<xcb_window_t>(connection_.root()));
@@ -62,7 +64,7 @@ Point X11Pointer::askLocation() {
 bool X11Pointer::moveTo(Point target) {
     const Pixel to = pixelOf(target);
     const Pixel from = pixelOf(location_);
-    if (isTrusted(location_) && isTrusted(target)) {
+    if (isRemembered_ && isTrusted(target)) {
         if (to != from) send(true, {to.x - from.x, to.y - from.y});
     } else {
         send(false, to);
@@ -70,7 +72,8 @@ bool X11Pointer::moveTo(Point target) {
     location_ = target;
     lastMove_ = queue_.uptime();
     // Near an edge the next location is asked for anyway.
-    if (isTrusted(target)) ask();
+    isRemembered_ = isTrusted(target);
+    if (isRemembered_) ask();
     return xcb_flush(xcb_) > 0;
 }
 

@@ -75,6 +75,10 @@ class X11Pointer {
     xcb_connection_t* xcb_;
     /// Where the pointer is as far as we know, and the fraction that its pixel leaves out.
     Point location_;
+    /// The location that was told last, or made by the last move, was not asked for: another program may have moved
+    /// the pointer since, and only a motion from where it is leaves that as it is. What held when it was told holds for
+    /// the move, however long that takes.
+    bool isRemembered_ = false;
     /// When we last moved it; nothing before the first time.
     std::optional<std::chrono::nanoseconds> lastMove_;
     std::optional<Question> question_;

@@ -1,5 +1,6 @@
 #include "app/linux/desktop_entry.h"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 

@@ -1,8 +1,14 @@
 #include "audio/ffmpeg/made_media.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
+#include <random>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include "audio/linux/temporary_folder.h"
 
@@ -194,9 +200,9 @@ const std::vector<MadeMedium>& madeMedia() {
     return media;
 }
 
-const MadeMedium& madeMedium(const std::string& name) {
+const MadeMedium& madeMedium(std::string_view name) {
     const auto found = std::ranges::find(madeMedia(), name, &MadeMedium::name);
-    if (found == madeMedia().end()) throw std::runtime_error("no such medium: " + name);
+    if (found == madeMedia().end()) throw std::runtime_error("no such medium: " + std::string(name));
     return *found;
 }
 

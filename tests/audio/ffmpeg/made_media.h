@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "audio/sndfile/disc_media_file.h"
@@ -31,7 +32,7 @@ struct MadeMedium {
 /// Of each container, codec, rate and number of channels that matters. Made at the first call.
 const std::vector<MadeMedium>& madeMedia();
 
-const MadeMedium& madeMedium(const std::string& name);
+const MadeMedium& madeMedium(std::string_view name);
 
 /// What the ffmpeg command makes with these arguments, in a file of this name.
 Bytes madeBy(const std::string& arguments, const std::string& name);
