@@ -44,8 +44,9 @@ std::string text(const DAWHeader& header) {
     result += word(header.masterMuted, " muted");
     result += word(header.midiSurfaceOnline, " midi-surface");
     result += word(header.clipsLinked, " clips-linked");
-    return result + " clip " + quotedText(header.clipName) + " node " + std::to_string(header.selectedNodeIndex) +
-           "/" + std::to_string(header.nodeCount) + (header.isNodeEnabled ? " enabled" : " disabled");
+    return result + " clip " + quotedText(header.clipName) + " node " +
+           std::to_string(header.selectedNodeIndex) + "/" + std::to_string(header.nodeCount) +
+           (header.isNodeEnabled ? " enabled" : " disabled");
 }
 
 std::string text(const DAWTrackState& track) {

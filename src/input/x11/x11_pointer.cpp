@@ -36,8 +36,7 @@ X11Pointer::Pixel X11Pointer::pixelOf(Point point) {
             static_cast<int>(std::clamp(std::floor(point.y), -32768.0, 32767.0))};
 }
 
-bool X11Pointer::isTrusted(Point point) {
-    if (!lastMove_ || queue_.uptime() - *lastMove_ > trustTime) return false;
+bool X11Pointer::isFarFromEdges(Point point) {
     return std::ranges::any_of(displays_.active(), [&](const Rect& display) {
         return point.x >= display.x + edgeMargin && point.x < display.maxX() - edgeMargin &&
                point.y >= display.y + edgeMargin && point.y < display.maxY() - edgeMargin;
@@ -46,7 +45,7 @@ bool X11Pointer::isTrusted(Point point) {
 
 Point X11Pointer::location() {
     readAnswer();
-    isRemembered_ = isTrusted(location_);
+    isRemembered_ = lastMove_ && queue_.uptime() - *lastMove_ <= trustTime && isFarFromEdges(location_);
     return isRemembered_ ? location_ : askLocation();
 }
 
@@ -64,7 +63,7 @@ Point X11Pointer::askLocation() {
 bool X11Pointer::moveTo(Point target) {
     const Pixel to = pixelOf(target);
     const Pixel from = pixelOf(location_);
-    if (isRemembered_ && isTrusted(target)) {
+    if (isRemembered_ && isFarFromEdges(target)) {
         if (to != from) send(true, {to.x - from.x, to.y - from.y});
     } else {
         send(false, to);
@@ -72,7 +71,7 @@ bool X11Pointer::moveTo(Point target) {
     location_ = target;
     lastMove_ = queue_.uptime();
     // Near an edge the next location is asked for anyway.
-    isRemembered_ = isTrusted(target);
+    isRemembered_ = isFarFromEdges(target);
     if (isRemembered_) ask();
     return xcb_flush(xcb_) > 0;
 }

@@ -63,7 +63,7 @@ class X11Pointer {
     };
 
     static Pixel pixelOf(Point point);
-    [[nodiscard]] bool isTrusted(Point point);
+    [[nodiscard]] bool isFarFromEdges(Point point);
     void send(bool isRelative, Pixel motion);
     void ask();
     void readAnswer();
@@ -75,9 +75,9 @@ class X11Pointer {
     xcb_connection_t* xcb_;
     /// Where the pointer is as far as we know, and the fraction that its pixel leaves out.
     Point location_;
-    /// The location that was told last, or made by the last move, was not asked for: another program may have moved
-    /// the pointer since, and only a motion from where it is leaves that as it is. What held when it was told holds for
-    /// the move, however long that takes.
+    /// The location that was told last, or made by the last move, was not asked for: another program may have
+    /// moved the pointer since, and only a motion from where it is leaves that as it is. What held when it
+    /// was told holds for the move, however long that takes.
     bool isRemembered_ = false;
     /// When we last moved it; nothing before the first time.
     std::optional<std::chrono::nanoseconds> lastMove_;
