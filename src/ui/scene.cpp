@@ -1,5 +1,7 @@
 #include "ui/scene.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QQmlContext>
 #include <utility>
 
@@ -29,7 +31,12 @@ Scene::Scene(const InterfaceModel::Sources& sources, InterfaceModel::Actions act
         {{"app", QVariant::fromValue(&model_)}, {"texts", texts()}, {"typeface", installedTypeface()}});
 }
 
-Scene::~Scene() = default;
+Scene::~Scene() {
+    panel_.reset();
+    mainWindow_.reset();
+    // Menus leave their entries to the loop to delete; those refer to the engine, and no loop may turn again.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
 
 std::unique_ptr<QQuickWindow> Scene::load(const QString& file) {
     auto window = loadWindow(engine_, QUrl("qrc:/Orbinex/" + file));

@@ -52,6 +52,8 @@ bool FFmpegAudioFile::begin(MediaFile& media) {
     decoder_ = AudioStreamDecoder::open(media);
     if (!decoder_ || !takeFirstFrame()) return false;
     learnSteps();
+    // What has spent its allowance before anything is known of its length is not granted another one.
+    if (decoder_->hasStopped()) return false;
     decoder_->grant(bytesAllowed_);
     measureLength();
     if (decoder_->hasFailed()) {

@@ -10,7 +10,12 @@ QtObject {
         wasShown = item !== null && item.visualFocus === true
     }
     function giveBack() {
-        if (place && place.visible) place.forceActiveFocus(wasShown ? Qt.TabFocusReason : Qt.PopupFocusReason)
+        // A popup may have given it back by itself already, for a reason that shows no ring; an item that has the
+        // keyboard takes no other reason.
+        if (place && place.visible) {
+            place.focus = false
+            place.forceActiveFocus(wasShown ? Qt.TabFocusReason : Qt.PopupFocusReason)
+        }
         place = null
     }
 }
