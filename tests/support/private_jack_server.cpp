@@ -1,6 +1,5 @@
 #include "support/private_jack_server.h"
 
-#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
@@ -9,35 +8,9 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/prctl.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace orbinex::test {
-
-namespace {
-
-void beSilent() {
-    const int null = ::open("/dev/null", O_RDWR);
-    ::dup2(null, STDIN_FILENO);
-    ::dup2(null, STDOUT_FILENO);
-    ::dup2(null, STDERR_FILENO);
-}
-
-[[noreturn]] void becomeServer(const std::string& name) {
-    // A test that crashes must not leave its server behind, nor the server its name.
-    ::prctl(PR_SET_PDEATHSIG, SIGTERM);
-    beSilent();
-    // Each period waits for the clients (-S), for as long as a busy computer needs (-t, milliseconds):
-    // without the scheduling of a realtime kernel they would be late now and then, and messages lost.
-    ::execlp("jackd", "jackd", "-r", "-S", "-t", "5000", "-n", name.c_str(), "-d", "dummy", "-r", "48000",
-             "-p", "256", static_cast<char*>(nullptr));
-    ::_exit(127);
-}
-
-}  // namespace
 
 PrivateJackServer::PrivateJackServer() {
     constexpr int names = 4;
@@ -58,56 +31,26 @@ PrivateJackServer::~PrivateJackServer() {
 }
 
 void PrivateJackServer::start() {
-    pid_ = ::fork();
-    if (pid_ == 0) becomeServer(name_);
-    constexpr int pollMicroseconds = 10'000;
-    for (int left = 2000; left > 0; --left) {
-        if (isAccepting()) return;
-        if (::waitpid(pid_, nullptr, WNOHANG) == pid_) break;
-        ::usleep(pollMicroseconds);
-    }
-    throw std::runtime_error("jackd cannot be started");
-}
-
-bool PrivateJackServer::isAccepting() const {
-    // Not by a client: when one comes and goes while another comes, a server that waits for its clients may
-    // wait for good. It marks by a flag for all whether it is woken from other processes.
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    const std::string path = "/dev/shm/jack_" + name_ + "_" + std::to_string(::getuid()) + "_0";
-    path.copy(address.sun_path, sizeof(address.sun_path) - 1);
-    const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    const bool isAccepted =
-        ::connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) == 0;
-    ::close(socket);
-    return isAccepted;
-}
-
-void PrivateJackServer::suspend() const {
-    if (pid_ > 0) ::kill(pid_, SIGSTOP);
+    // Each period waits for the clients (-S), for as long as a busy computer needs (-t, milliseconds):
+    // without the scheduling of a realtime kernel they would be late now and then, and messages lost. When
+    // the test dies it is asked to end, so that it gives its name back.
+    process_ = ChildProcess(
+        {"jackd", "-r", "-S", "-t", "5000", "-n", name_, "-d", "dummy", "-r", "48000", "-p", "256"},
+        {.signalOfDeath = SIGTERM});
+    // Not asked by a client: when one comes and goes while another comes, a server that waits for its clients
+    // may wait for good. It marks by a flag for all whether it is woken from other processes.
+    if (!process_.comesToAccept("/dev/shm/jack_" + name_ + "_" + std::to_string(::getuid()) + "_0"))
+        throw std::runtime_error("jackd cannot be started");
 }
 
 void PrivateJackServer::stop() {
-    if (pid_ > 0 && !endsWith(SIGTERM)) kill();
-    removeFiles();
+    process_.endsBy(SIGTERM, std::chrono::seconds(10));
+    kill();
 }
 
 void PrivateJackServer::kill() {
-    if (pid_ > 0) endsWith(SIGKILL);
+    process_.kill();
     removeFiles();
-}
-
-bool PrivateJackServer::endsWith(int signal) {
-    ::kill(pid_, signal);
-    constexpr int pollMicroseconds = 1'000;
-    for (int left = 10'000; left > 0; --left) {
-        if (::waitpid(pid_, nullptr, WNOHANG) == pid_) {
-            pid_ = -1;
-            return true;
-        }
-        ::usleep(pollMicroseconds);
-    }
-    return false;
 }
 
 void PrivateJackServer::removeFiles() const {

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include <sys/types.h>
+#include "support/child_process.h"
 
 namespace orbinex::test {
 
@@ -28,17 +28,15 @@ class PrivateJackServer {
     /// Ends it at once.
     void kill();
     /// It stands still and answers nobody, until it is killed.
-    void suspend() const;
+    void suspend() const { process_.signal(SIGSTOP); }
 
   private:
-    bool endsWith(int signal);
     void removeFiles() const;
-    [[nodiscard]] bool isAccepting() const;
 
     std::string name_;
     /// An open file that is locked.
     int lock_ = -1;
-    pid_t pid_ = -1;
+    ChildProcess process_;
 };
 
 }  // namespace orbinex::test

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include <sys/types.h>
+#include "support/child_process.h"
 
 namespace orbinex::test {
 
@@ -15,17 +15,16 @@ class PrivateXServer {
     explicit PrivateXServer(int width = 1280, int height = 900, const char* withoutExtension = nullptr);
     PrivateXServer(const PrivateXServer&) = delete;
     PrivateXServer& operator=(const PrivateXServer&) = delete;
-    ~PrivateXServer();
 
     /// Such as ":7".
     [[nodiscard]] const std::string& display() const { return display_; }
     /// Runs a command of the shell with DISPLAY set to this server; true when it ends well.
     [[nodiscard]] bool run(const std::string& command) const;
     /// Ends the server at once.
-    void kill();
+    void kill() { process_.kill(); }
 
   private:
-    pid_t pid_ = -1;
+    ChildProcess process_;
     std::string display_;
 };
 

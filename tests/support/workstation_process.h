@@ -4,9 +4,8 @@
 #include <string_view>
 #include <vector>
 
-#include <sys/types.h>
-
 #include "base/line_reader.h"
+#include "support/child_process.h"
 
 namespace orbinex::test {
 
@@ -27,7 +26,7 @@ class WorkstationProcess {
     const std::vector<std::string>& lines();
 
   private:
-    pid_t pid_ = -1;
+    ChildProcess process_;
     int input_ = -1;
     int output_ = -1;
     LineReader reader_;

@@ -1,7 +1,6 @@
 #include "editor_bridge/ardour/headless_ardour.h"
 
 #include <array>
-#include <csignal>
 #include <cstddef>
 #include <filesystem>
 #include <fstream>
@@ -14,11 +13,8 @@
 #include <variant>
 
 #include <arpa/inet.h>
-#include <fcntl.h>
 #include <netinet/in.h>
-#include <sys/prctl.h>
 #include <sys/socket.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include "editor_bridge/midi_surface_names.h"
@@ -26,16 +22,6 @@
 namespace orbinex::test {
 
 namespace {
-
-[[noreturn]] void becomeArdour(const std::string& folder) {
-    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-    const std::string client = std::string(MIDISurfaceNames::client) + ":";
-    const std::string source = client + MIDISurfaceNames::source;
-    const std::string destination = client + MIDISurfaceNames::destination;
-    ::execl(ORBINEX_HEADLESS_ARDOUR, "headless-ardour", folder.c_str(), source.c_str(), destination.c_str(),
-            static_cast<char*>(nullptr));
-    ::_exit(127);
-}
 
 sockaddr_in localAddress(std::uint16_t port) {
     sockaddr_in address{};
@@ -55,28 +41,19 @@ HeadlessArdour::HeadlessArdour() : socket_(::socket(AF_INET, SOCK_DGRAM | SOCK_N
     const auto address = localAddress(0);
     if (::bind(socket_, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0)
         throw std::runtime_error("no socket");
-    pid_ = ::fork();
-    if (pid_ == 0) becomeArdour(folder_.path());
-    if (pid_ < 0) throw std::runtime_error("no process");
+    const std::string client = std::string(MIDISurfaceNames::client) + ":";
+    process_ = ChildProcess({ORBINEX_HEADLESS_ARDOUR, folder_.path(), client + MIDISurfaceNames::source,
+                             client + MIDISurfaceNames::destination},
+                            {.output = STDOUT_FILENO, .errors = STDERR_FILENO});
 }
 
 HeadlessArdour::~HeadlessArdour() {
-    constexpr int pollMicroseconds = 1'000;
-    if (pid_ > 0) ::kill(pid_, SIGTERM);
-    for (int left = 5'000; left > 0 && pid_ > 0; --left) {
-        if (::waitpid(pid_, nullptr, WNOHANG) == pid_) pid_ = -1;
-        ::usleep(pollMicroseconds);
-    }
-    if (pid_ > 0) {
-        ::kill(pid_, SIGKILL);
-        ::waitpid(pid_, nullptr, 0);
-    }
+    process_.endsBy(SIGTERM, std::chrono::seconds(5));
     ::close(socket_);
 }
 
 bool HeadlessArdour::isAlive() {
-    if (pid_ > 0 && ::waitpid(pid_, nullptr, WNOHANG) == pid_) pid_ = -1;
-    return pid_ > 0 && log().find("JACK HALTED") == std::string::npos;
+    return process_.isRunning() && log().find("JACK HALTED") == std::string::npos;
 }
 
 void HeadlessArdour::follow() {
@@ -140,7 +117,7 @@ std::optional<std::uint16_t> HeadlessArdour::oscPort() const {
     std::set<std::string> sockets;
     std::error_code error;
     for (const auto& entry :
-         std::filesystem::directory_iterator("/proc/" + std::to_string(pid_) + "/fd", error)) {
+         std::filesystem::directory_iterator("/proc/" + std::to_string(process_.pid()) + "/fd", error)) {
         const auto target = std::filesystem::read_symlink(entry.path(), error).string();
         constexpr std::string_view prefix = "socket:[";
         if (target.starts_with(prefix))

@@ -6,9 +6,8 @@
 #include <string>
 #include <utility>
 
-#include <sys/types.h>
-
 #include "editor_bridge/ardour/osc_message.h"
+#include "support/child_process.h"
 #include "support/temporary_folder.h"
 
 namespace orbinex::test {
@@ -47,7 +46,7 @@ class HeadlessArdour {
     [[nodiscard]] std::optional<std::uint16_t> oscPort() const;
 
     TemporaryFolder folder_;
-    pid_t pid_ = -1;
+    ChildProcess process_;
     int socket_ = -1;
     std::map<std::pair<std::string, int>, double> told_;
 };

@@ -15,12 +15,12 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <xcb/xcb.h>
 
 #include "sim/virtual_main_queue.h"
+#include "support/child_process.h"
 #include "support/private_x_server.h"
 
 namespace orbinex::test {
@@ -141,36 +141,16 @@ class NamedProcess {
     NamedProcess(const std::string& name, const TemporaryFolder& processes) {
         const fs::path program = folder_.path() / name;
         fs::copy_file("/bin/sleep", program);
-        // Its other end is closed by what is executed: until then, the process still is this test by name.
-        std::array<int, 2> executed{};
-        EXPECT_EQ(::pipe2(executed.data(), O_CLOEXEC), 0);
-        pid_ = ::fork();
-        if (pid_ == 0) {
-            ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-            ::execl(program.c_str(), name.c_str(), "600", static_cast<char*>(nullptr));
-            ::_exit(127);
-        }
-        ::close(executed[1]);
-        char nothing = 0;
-        EXPECT_EQ(::read(executed[0], &nothing, 1), 0);
-        ::close(executed[0]);
-        const std::string number = std::to_string(pid_);
+        process_ = ChildProcess({program.string(), "600"});
+        const std::string number = std::to_string(pid());
         fs::create_symlink("/proc/" + number, processes.path() / number);
     }
-    NamedProcess(const NamedProcess&) = delete;
-    NamedProcess& operator=(const NamedProcess&) = delete;
-    ~NamedProcess() { kill(); }
-    void kill() {
-        if (pid_ <= 0) return;
-        ::kill(pid_, SIGKILL);
-        ::waitpid(pid_, nullptr, 0);
-        pid_ = -1;
-    }
-    [[nodiscard]] pid_t pid() const { return pid_; }
+    void kill() { process_.kill(); }
+    [[nodiscard]] pid_t pid() const { return process_.pid(); }
 
   private:
     TemporaryFolder folder_;
-    pid_t pid_ = -1;
+    ChildProcess process_;
 };
 
 /// A workspace on a server of its own, and what it tells. Time is ours, but for what other programs take.

@@ -2,6 +2,7 @@
 #include <set>
 
 #include <gtest/gtest.h>
+#include <linux/input-event-codes.h>
 
 #include "input/candidate_keycodes.h"
 #include "input/x11/click_run.h"
@@ -12,6 +13,26 @@ namespace orbinex {
 namespace {
 
 using std::chrono::milliseconds;
+
+/// Where the number pad, the arrows and the keys around them lie, by their numbers in the kernel.
+TEST(MacKeycodes, leadToTheKeysThatDoTheSame) {
+    const std::pair<std::uint16_t, int> rows[] = {
+        {36, KEY_ENTER},      {48, KEY_TAB},        {51, KEY_BACKSPACE}, {53, KEY_ESC},
+        {65, KEY_KPDOT},      {67, KEY_KPASTERISK}, {69, KEY_KPPLUS},    {75, KEY_KPSLASH},
+        {76, KEY_KPENTER},    {78, KEY_KPMINUS},    {82, KEY_KP0},       {83, KEY_KP1},
+        {84, KEY_KP2},        {85, KEY_KP3},        {86, KEY_KP4},       {87, KEY_KP5},
+        {88, KEY_KP6},        {89, KEY_KP7},        {91, KEY_KP8},       {92, KEY_KP9},
+        {115, KEY_HOME},      {116, KEY_PAGEUP},    {117, KEY_DELETE},   {119, KEY_END},
+        {121, KEY_PAGEDOWN},  {123, KEY_LEFT},      {124, KEY_RIGHT},    {125, KEY_DOWN},
+        {126, KEY_UP},        {122, KEY_F1},        {111, KEY_F12},      {72, KEY_VOLUMEUP},
+        {73, KEY_VOLUMEDOWN}, {74, KEY_MUTE},       {57, KEY_CAPSLOCK},
+    };
+    for (const auto& [code, number] : rows) {
+        const auto key = pcKey(code);
+        ASSERT_TRUE(key) << code;
+        EXPECT_EQ(key->evdevCode, number) << code;
+    }
+}
 
 TEST(MacKeycodes, everyPlaceIsTakenOnce) {
     std::set<std::string_view> names;

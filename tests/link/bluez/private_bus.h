@@ -3,7 +3,7 @@
 #include <QString>
 #include <QTemporaryDir>
 
-#include <sys/types.h>
+#include "support/child_process.h"
 
 namespace orbinex::test {
 
@@ -14,13 +14,12 @@ class PrivateBus {
     PrivateBus();
     PrivateBus(const PrivateBus&) = delete;
     PrivateBus& operator=(const PrivateBus&) = delete;
-    ~PrivateBus();
 
     [[nodiscard]] const QString& address() const { return address_; }
 
   private:
     QTemporaryDir directory_;
-    pid_t pid_ = -1;
+    ChildProcess process_;
     QString address_;
 };
 
