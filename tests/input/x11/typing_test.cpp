@@ -145,6 +145,7 @@ TEST_F(X11TypingTest, keysThatFollowTextWaitForItAndThePointerDoesNot) {
     input.manager.handle({DecodedPacket::MouseMove{20, 5}});
     input.manager.handle({DecodedPacket::MouseClick{MouseButton::left, 1}});
     input.manager.handle({DecodedPacket::MouseScroll{0, 5}});
+    input.sync();
     EXPECT_EQ(client->pointer(), std::pair(x + 20, y + 5));
     std::string seen;
     std::vector<unsigned> buttons;
