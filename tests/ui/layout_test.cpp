@@ -88,8 +88,12 @@ TEST(Layout, clipsAndOverlapsNoTextInAnyPhase) {
             Hand(window).settle();
             checkTexts(window);
         }
-        Hand(program.panel()).settle();
+        Hand panel(program.panel());
         checkTexts(program.panel());
+        const QQuickItem* const last = findItem(program.panel().contentItem(), "quitOrbinex");
+        ASSERT_TRUE(last);
+        EXPECT_EQ(program.panel().height() - last->mapToScene({0, last->height()}).y(), 16)
+            << "it ends below its last line";
     }
 }
 

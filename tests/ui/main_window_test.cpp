@@ -232,7 +232,9 @@ TEST(MainWindow, showsThePermissions) {
     program.shell.permission.missing = "Nothing here takes input.";
     program.app.accessibilityManager.refresh();
     Hand hand(program.window());
-    EXPECT_TRUE(hand.sees("inputControlCard"));
+    EXPECT_EQ(hand.text("inputControlCard/inputTitle"), "Allow Orbinex to control this Mac");
+    EXPECT_TRUE(hand.text("inputControlCard/inputText").startsWith("macOS requires your permission"));
+    EXPECT_EQ(hand.text("inputControlCard/inputExplanation"), "Nothing here takes input.");
     EXPECT_EQ(hand.text("inputPermission/state"), "Required");
     EXPECT_EQ(hand.text("bluetoothPermission/state"), "Allowed");
     EXPECT_FALSE(hand.sees("bluetoothPermission/action"));

@@ -26,6 +26,7 @@ TEST(Message, showsTheLinksAlertUntilOk) {
     EXPECT_EQ(hand.text("messageText"),
               QString::fromStdString(program.app.centralManager.alert.get()->message));
     EXPECT_EQ(hand.text("messageButton0"), "OK");
+    EXPECT_EQ(hand.property("messageButton0", "fill").value<QColor>().name(), "#00b8d4");
     ASSERT_TRUE(hand.click("messageButton0"));
     EXPECT_FALSE(hand.sees("messageTitle"));
     EXPECT_EQ(*program.app.centralManager.alert, std::nullopt);
@@ -100,6 +101,8 @@ TEST(Message, asksBeforeItForgets) {
     ASSERT_TRUE(hand.click("forget"));
     EXPECT_EQ(hand.text("messageTitle"), "Forget Ada's iPhone?");
     EXPECT_EQ(hand.text("messageButton0"), "Forget");
+    EXPECT_EQ(hand.property("messageButton0", "fill").value<QColor>().name(), "#ff5c6c") << "it takes away";
+    EXPECT_EQ(hand.property("messageButton1", "fill").value<QColor>().name(), "#2a303a");
     ASSERT_TRUE(hand.click("messageButton1"));
     EXPECT_FALSE(hand.sees("messageTitle"));
     EXPECT_TRUE(program.app.trustStore.deviceWithID(device.id));

@@ -145,35 +145,39 @@ TEST(Panel, actsAsItsButtonSays) {
 TEST(Panel, doesWhatTheButtonSaidWhenItWasPressed) {
     FacedProgram program;
     auto& phone = program.addPhone("Ada");
-    program.bringTo(LinkPhase::securing, phone);
+    program.bringTo(LinkPhase::connected, phone);
+    phone.setInRange(false);
+    program.advance(30s);
     Hand hand(program.panel());
-    ASSERT_EQ(hand.text("panelAction"), "Cancel");
+    ASSERT_EQ(hand.text("panelAction"), "Search Again");
     const QPoint where = hand.place("panelAction");
-    hand.press("panelAction");
-    // The handshake completes before the button is let go.
-    program.advance(1s);
-    phone.infoStep.isAnswered = true;
-    phone.dropLink();
-    program.advance(5s);
+    hand.press(where);
+    // The phone is back before the button is let go.
+    phone.setInRange(true);
     program.app.centralManager.connectNearbyDevice(phone.identifier());
-    program.advance(3s);
+    program.advance(10s);
     hand.settle();
     ASSERT_EQ(program.phase(), LinkPhase::connected);
+    ASSERT_EQ(hand.text("panelAction"), "Disconnect");
+    ASSERT_TRUE(hand.property("panelAction", "down").toBool()) << "letting go is a click";
     hand.letGo(where);
-    EXPECT_EQ(program.phase(), LinkPhase::connected) << "Cancel is not Disconnect";
+    program.advance(1s);
+    EXPECT_EQ(program.phase(), LinkPhase::connected) << "Search Again is not Disconnect";
 }
 
-TEST(Panel, ignoresAClickOnARowThatIsGone) {
+TEST(Panel, connectsNobodyByAPressOnARowThatIsGone) {
     FacedProgram program;
-    auto& phone = program.addPhone("Ada");
+    auto& near = program.addPhone("Near", -40);
+    program.addPhone("Far", -80);
     program.advance(2s);
     Hand hand(program.panel());
     const QPoint where = hand.place("nearby0/connect");
-    hand.press("nearby0/connect");
-    phone.setInRange(false);
+    hand.press(where);
+    near.setInRange(false);
     program.advance(20s);
     hand.settle();
-    EXPECT_FALSE(hand.sees("nearby0"));
+    ASSERT_EQ(hand.text("nearby0/name"), "Far");
+    ASSERT_EQ(hand.place("nearby0/connect"), where) << "another's row is under the pointer";
     hand.letGo(where);
     EXPECT_EQ(program.phase(), LinkPhase::searching);
 }

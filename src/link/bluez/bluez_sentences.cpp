@@ -8,6 +8,8 @@ namespace orbinex {
 
 namespace {
 
+constexpr const char* connectedAlready = "The iPhone is connected already.";
+
 constexpr const char* noAnswer = "The iPhone did not answer.";
 constexpr const char* ended = "The iPhone ended the connection.";
 constexpr const char* refused = "The iPhone refused the connection.";
@@ -63,7 +65,7 @@ constexpr std::array meanings{
     Meaning{"aborted-by-remote", ended},
     Meaning{"refused", refused},
     Meaning{"canceled", "The connection was cancelled."},
-    Meaning{"already-connected", "The iPhone is connected already."},
+    Meaning{"already-connected", connectedAlready},
     Meaning{"busy", busy},
     Meaning{"concurrent-connection-limit", "This computer's Bluetooth has no room for another connection."},
     Meaning{"adapter-not-powered", off},
@@ -107,7 +109,7 @@ constexpr std::array meanings{
     Meaning{"NotPermitted", notAllowed},
     Meaning{"NotAuthorized", notAllowed},
     Meaning{"NotConnected", gone},
-    Meaning{"AlreadyConnected", "The iPhone is connected already."},
+    Meaning{"AlreadyConnected", connectedAlready},
     Meaning{"DoesNotExist", unknownDevice},
     Meaning{"InProgress", busy},
     Meaning{"InvalidArguments", faulty},
