@@ -61,9 +61,19 @@ void AppPreferences::detach() {
     queue_ = nullptr;
 }
 
+void AppPreferences::setTrayPresent(bool isPresent) {
+    if (isPresent == *isTrayPresent) return;
+    isTrayPresent = isPresent;
+    if (application_) application_->setActivationPolicy(wantedPolicy());
+}
+
+ActivationPolicy AppPreferences::wantedPolicy() const {
+    return *showInDock || !isTrayIconSeen() ? ActivationPolicy::regular : ActivationPolicy::accessory;
+}
+
 void AppPreferences::applyActivationPolicy() {
     if (!application_) return;
-    const auto wanted = *showInDock ? ActivationPolicy::regular : ActivationPolicy::accessory;
+    const auto wanted = wantedPolicy();
     if (application_->activationPolicy() == wanted) return;
     application_->setActivationPolicy(wanted);
     if (wanted == ActivationPolicy::regular) return application_->activate();

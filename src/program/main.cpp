@@ -58,6 +58,7 @@ void say(const std::string& line) {
 struct Options {
     QString adapter;
     bool isLoginLaunch = false;
+    bool isQuit = false;
     LinuxEditorBridge::Places places = LinuxEditorBridge::usualPlaces();
 };
 
@@ -72,11 +73,13 @@ Options parse(const QCoreApplication& application) {
                                   "The editor's scripting host, where it is not in its usual place.", "file");
     const QCommandLineOption login(QString(loginLaunchArgument).mid(2),
                                    "The start at login: no window is shown.");
-    parser.addOptions({adapter, host, login});
+    const QCommandLineOption end(QString(quitArgument).mid(2), "Ends the Orbinex that runs.");
+    parser.addOptions({adapter, host, login, end});
     parser.process(application);
     Options options;
     options.adapter = parser.value(adapter);
     options.isLoginLaunch = parser.isSet(login);
+    options.isQuit = parser.isSet(end);
     if (parser.isSet(host)) options.places.scriptHost = parser.value(host).toStdString();
     return options;
 }
@@ -137,42 +140,33 @@ void tellSettingsAreNotStored(const std::string& file) {
                  terminalText(file).c_str());
 }
 
-/// Its parts, each made of those before it.
+/// Its parts, each made of those above it.
 class Program {
   public:
     Program(X11Connection& display, SingleInstance& instance, const Options& options)
-        : display_(display),
-          instance_(instance),
-          scrollDevice_(openScrollDevice()),
-          poster_(display, queue_,
-                  {.commandKey = preferences_.commandKey(), .scrollSink = scrollDevice_.get()}),
-          layouts_(display, queue_),
-          displayEvents_(display.fd(), [this] { handleDisplay(); }),
-          central_(bus_.connection(), {queue_, defaults_, prompts_, wake_, options.adapter}),
-          editors_(queue_, options.places),
-          shell_(queue_, instance, quit),
-          inputPermission_(display) {}
+        : display_(display), instance_(instance), options_(options) {}
 
     /// Returns when the person, a signal or the display ends it; the exit status.
-    int run(bool isLoginLaunch) {
+    int run() {
         shell_.loginItem().repair();
         delegate_.willFinishLaunching();
-        delegate_.didFinishLaunching(isLoginLaunch);
-        instance_.serve(queue_, [this](const std::string& startupToken) {
-            presence_.setStartupToken(startupToken);
-            delegate_.handleSecondLaunch();
-        });
+        delegate_.didFinishLaunching(options_.isLoginLaunch);
+        instance_.serve(queue_, {[this](const std::string& startupToken) {
+                                     presence_.setStartupToken(startupToken);
+                                     delegate_.handleSecondLaunch();
+                                 },
+                                 quit});
         const TerminalReport report(coordinator_, say);
         TerminalConsole console(coordinator_, terminalPrompt_, say, quit);
         // Where nobody can type any more, a pairing is still asked about in the window.
         const StandardInput input(
             queue_, [&](const std::string& line) { console.execute(line); }, [] {});
-        const int result = QCoreApplication::exec();
-        return result != 0 ? result : status_;
+        return QCoreApplication::exec();
     }
 
   private:
-    static void quit() { QCoreApplication::quit(); }
+    /// Not by closing the windows first, as quit() does.
+    static void quit() { QCoreApplication::exit(); }
 
     static std::unique_ptr<UinputScroll> openScrollDevice() {
         std::error_code whyNot;
@@ -188,35 +182,35 @@ class Program {
         display_.processEvents();
         if (display_.isAlive()) return;
         std::fprintf(stderr, "orbinex: the X display is gone.\n");
-        status_ = 1;
-        QCoreApplication::exit(status_);
+        QCoreApplication::exit(1);
     }
 
     X11Connection& display_;
     SingleInstance& instance_;
-    int status_ = 0;
+    const Options& options_;
     QtMainQueue queue_;
-    const UnixSignals signals_{[this](int) { QCoreApplication::exit(status_); }};
+    const UnixSignals signals_{[](int) { quit(); }};
     SettingsDefaults defaults_{tellSettingsAreNotStored};
     AppPreferences preferences_{defaults_};
 
-    std::unique_ptr<UinputScroll> scrollDevice_;
-    X11EventPoster poster_;
-    X11KeyboardLayoutSource layouts_;
-    const FdWatch displayEvents_;
+    std::unique_ptr<UinputScroll> scrollDevice_ = openScrollDevice();
+    X11EventPoster poster_{
+        display_, queue_, {.commandKey = preferences_.commandKey(), .scrollSink = scrollDevice_.get()}};
+    X11KeyboardLayoutSource layouts_{display_, queue_};
+    const FdWatch displayEvents_{display_.fd(), [this] { handleDisplay(); }};
 
     TerminalPrompt terminalPrompt_{say};
     PairingQuestion pairing_;
     TwoPrompts prompts_{terminalPrompt_, pairing_};
     const SystemBus bus_;
     LogindWake wake_{bus_.connection()};
-    BluezCentral central_;
+    BluezCentral central_{bus_.connection(), {queue_, defaults_, prompts_, wake_, options_.adapter}};
 
-    LinuxEditorBridge editors_;
-    LinuxShell shell_;
-    ReportingUrlOpener urls_{shell_.urls()};
-    X11InputPermission inputPermission_;
+    LinuxEditorBridge editors_{queue_, options_.places};
     DesktopPresence presence_;
+    LinuxShell shell_{queue_, instance_, {[this] { return presence_.launchToken(); }, quit}};
+    ReportingUrlOpener urls_{shell_.urls()};
+    X11InputPermission inputPermission_{display_};
     AppCoordinator coordinator_{preferences_,
                                 {queue_,
                                  defaults_,
@@ -228,7 +222,7 @@ class Program {
                                  computerName,
                                  {inputPermission_, shell_.loginItem(), urls_, presence_.activation()}}};
     AppRelocationManager relocation_{queue_, defaults_, shell_.bundle()};
-    Interface face_{{queue_, coordinator_, relocation_, pairing_, urls_, presence_, quit}};
+    Interface face_{{queue_, defaults_, coordinator_, relocation_, pairing_, urls_, presence_, quit}};
     AppDelegate delegate_{preferences_, relocation_, [this] { face_.openMainWindow(); }};
 };
 
@@ -247,10 +241,11 @@ int main(int argc, char** argv) {
     const Options options = parse(*application);
     start.isAtLogin = options.isLoginLaunch;
     SingleInstance instance(privateRuntimeFolder(variable("XDG_RUNTIME_DIR")));
+    if (options.isQuit) return instance.askToQuit() ? 0 : 1;
     if (const auto end = endOfLaterStart(instance, start)) return *end;
     if (!display) {
         tellStartFailure(whyNoDisplay(obstacle), start.isByLauncher());
         return 1;
     }
-    return Program(*display, instance, options).run(options.isLoginLaunch);
+    return Program(*display, instance, options).run();
 }

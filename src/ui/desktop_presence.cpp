@@ -29,6 +29,11 @@ void DesktopPresence::prepare(QWindow& window) const {
     setSkipsTaskBar(window, policy_ == ActivationPolicy::accessory);
 }
 
+std::string DesktopPresence::launchToken() const {
+    QWindow* const window = visibleMainWindow();
+    return window ? orbinex::launchToken(*window) : std::string();
+}
+
 void DesktopPresence::setActivationPolicy(ActivationPolicy policy) {
     policy_ = policy;
     if (QWindow* const window = visibleMainWindow()) prepare(*window);

@@ -26,6 +26,10 @@ class DesktopPresence final : public ApplicationPresence {
     /// is brought to the front next comes there because of that. Empty for none.
     void setStartupToken(std::string token) { startupToken_ = std::move(token); }
 
+    /// For a program that takes this one's place: its window comes to the front by this token. Empty where
+    /// the person has done nothing in a window of this one.
+    [[nodiscard]] std::string launchToken() const;
+
     [[nodiscard]] ActivationPolicy activationPolicy() const override { return policy_; }
     void setActivationPolicy(ActivationPolicy policy) override;
     void activate() override;

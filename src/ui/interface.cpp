@@ -8,6 +8,8 @@
 #include <QScreen>
 #include <utility>
 
+#include "app/system_settings_urls.h"
+#include "ui/interface_texts.h"
 #include "ui/memory_trim.h"
 #include "ui/panel_placement.h"
 #include "ui/shown_text.h"
@@ -19,17 +21,23 @@ namespace {
 
 /// About what window managers put on top of a window.
 constexpr int titleBarHeight = 40;
+/// Stored once the person has been told that the program is in the task bar.
+constexpr const char* toldOfEntryKey = "toldOfTaskBarEntry";
 
 }  // namespace
 
 Interface::Interface(Ports ports)
-    : ports_(std::move(ports)), notifications_([this](const std::string& startupToken) {
-          ports_.presence.setStartupToken(startupToken);
-          openMainWindow();
-      }) {
+    : ports_(std::move(ports)),
+      alertNotifications_(
+          {{InterfaceText::openOrbinex, [this](const auto& token) { openFromDesktop(token); }}}),
+      entryNotifications_(
+          {{InterfaceText::openOrbinex, [this](const auto& token) { openFromDesktop(token); }},
+           {InterfaceText::quitOrbinex, [this](const auto&) { ports_.quit(); }}}),
+      powerNotifications_({{InterfaceText::openBluetoothSettings,
+                            [this](const auto&) { ports_.urls.open(bluetoothSettingsUrl); }}}) {
     QGuiApplication::setQuitOnLastWindowClosed(false);
     trayIcon_ = std::make_unique<TrayIcon>(
-        ports_.app.preferences, ports_.app.centralManager,
+        ports_.queue, ports_.app.preferences, ports_.app.centralManager,
         TrayIcon::Actions{[this] { togglePanel(); }, [this] { openMainWindow(); }});
     ports_.app.preferences.attach(ports_.presence, ports_.queue);
     releaseTimer_ = ports_.queue.after(launchTime, [this] { release(); });
@@ -39,8 +47,18 @@ Interface::Interface(Ports ports)
     observers_.push_back(ports_.relocation.alert.onDidChange([this](const auto& alert) {
         if (alert) openMainWindow();
     }));
-    observers_.push_back(ports_.app.centralManager.alert.onDidChange(
-        [this](const std::optional<BLEAlert>& alert) { tell(alert); }));
+    observers_.push_back(
+        ports_.app.centralManager.alert.onDidChange([this](const std::optional<BLEAlert>& alert) {
+            if (alert) tell(alertNotifications_, alert->title, alert->message);
+        }));
+    const auto keep = [this](bool) { keepEntry(); };
+    observers_.push_back(ports_.app.preferences.isTrayPresent.onDidChange(keep));
+    observers_.push_back(ports_.app.preferences.showMenuBarIcon.onDidChange(keep));
+    // Whoever starts the program has its window opened first.
+    ports_.queue.post(lifetime_.guard([this] { keepEntry(); }));
+    observers_.push_back(ports_.app.centralManager.bluetoothState.onDidChange(
+        [this](BluetoothState state) { watchBluetooth(state); }));
+    watchBluetooth(*ports_.app.centralManager.bluetoothState);
 }
 
 Interface::~Interface() {
@@ -72,6 +90,9 @@ void Interface::follow(QQuickWindow& window) {
     QObject::connect(&window, &QWindow::visibleChanged, &context_, [this] { visibilityChanged(); });
     window.installEventFilter(&exposure_);
     if (window.objectName() == "panel") return followPanel(window);
+    QObject::connect(&window, &QWindow::visibilityChanged, &context_, [this](QWindow::Visibility visibility) {
+        if (purpose_ == Purpose::entry && visibility != QWindow::Minimized) purpose_ = Purpose::person;
+    });
     const QSize room = window.screen()->availableSize() - QSize(0, titleBarHeight);
     window.resize(window.size().boundedTo(room));
 }
@@ -89,7 +110,11 @@ void Interface::followPanel(QQuickWindow& panel) {
 }
 
 void Interface::visibilityChanged() {
-    if (!scene_ || !scene_->isMainWindowVisible()) isForQuestionOnly_ = false;
+    if (!scene_ || !scene_->isMainWindowVisible()) {
+        purpose_ = Purpose::person;
+        // Not while it closes.
+        ports_.queue.post(lifetime_.guard([this] { keepEntry(); }));
+    }
     releaseTimer_ = hasVisibleWindows() ? Timer() : ports_.queue.after(unusedLifetime, [this] { release(); });
 }
 
@@ -99,30 +124,72 @@ void Interface::release() {
     trimMemory();
 }
 
-void Interface::tell(const std::optional<BLEAlert>& alert) {
-    const auto isSeen = [this] { return scene_ && scene_->isMainWindowSeen(); };
-    if (!alert || isSeen()) return;
-    const auto title = QString::fromStdString(shownText(alert->title));
-    const auto text = QString::fromStdString(shownText(alert->message));
-    notifications_.tell(title, text, [this, isSeen, title, text] {
-        if (!isSeen() && !trayIcon_->showMessage(title, text)) openMainWindow();
+void Interface::tell(DesktopNotifications& how, const std::string& title, const std::string& text) {
+    if (isMainWindowSeen()) return;
+    const auto shownTitle = QString::fromStdString(shownText(title));
+    const auto shown = QString::fromStdString(shownText(text));
+    how.tell(shownTitle, shown, [this, shownTitle, shown](bool isTold) {
+        if (!isTold && !isMainWindowSeen() && !trayIcon_->showMessage(shownTitle, shown)) openMainWindow();
     });
 }
 
+/// The first that is known of it counts: whoever turns it off later knows that.
+void Interface::watchBluetooth(BluetoothState state) {
+    if (state == BluetoothState::unknown || state == BluetoothState::resetting || isPowerKnown_) return;
+    isPowerKnown_ = true;
+    // A window that opens at the start tells it by itself.
+    if (state == BluetoothState::poweredOff)
+        powerTimer_ = ports_.queue.after(launchTime, [this] { tellThatBluetoothIsOff(); });
+}
+
+void Interface::tellThatBluetoothIsOff() {
+    const CentralBLEManager& link = ports_.app.centralManager;
+    if (*link.bluetoothState != BluetoothState::poweredOff || (scene_ && scene_->isPanelVisible())) return;
+    tell(powerNotifications_, InterfaceText::bluetoothUnavailableTitle, *link.statusMessage);
+}
+
+/// Something always leads to the program: while that is no tray icon, the main window in the task bar.
+void Interface::keepEntry() {
+    const bool isVisible = scene_ && scene_->isMainWindowVisible();
+    if (ports_.app.preferences.isTrayIconSeen()) {
+        if (isVisible && purpose_ == Purpose::entry) scene_->mainWindow()->close();
+        return;
+    }
+    if (isVisible) return;
+    QQuickWindow* const window = loadedScene().mainWindow();
+    if (!window) return;
+    ports_.presence.prepare(*window);
+    window->showMinimized();
+    purpose_ = Purpose::entry;
+    tellOfEntry();
+}
+
+void Interface::tellOfEntry() {
+    if (ports_.defaults.boolean(toldOfEntryKey) == true) return;
+    entryNotifications_.tell(InterfaceText::keptInTaskBarTitle, InterfaceText::keptInTaskBar,
+                             [this](bool isTold) {
+                                 if (isTold) ports_.defaults.setBoolean(toldOfEntryKey, true);
+                             });
+}
+
 void Interface::openForQuestion() {
-    const bool wasOpen = scene_ && scene_->isMainWindowVisible();
-    const bool wasForQuestion = isForQuestionOnly_;
+    const bool wasOpen = scene_ && scene_->isMainWindowVisible() && purpose_ == Purpose::person;
     openMainWindow();
-    isForQuestionOnly_ = !wasOpen || wasForQuestion;
+    if (!wasOpen) purpose_ = Purpose::question;
 }
 
 void Interface::closeAfterQuestion() {
-    if (std::exchange(isForQuestionOnly_, false) && scene_ && scene_->isMainWindowVisible())
+    if (purpose_ == Purpose::question && scene_ && scene_->isMainWindowVisible())
         scene_->mainWindow()->close();
 }
 
+void Interface::openFromDesktop(const std::string& startupToken) {
+    ports_.presence.setStartupToken(startupToken);
+    openMainWindow();
+}
+
 void Interface::openMainWindow() {
-    isForQuestionOnly_ = false;
+    purpose_ = Purpose::person;
     QQuickWindow* const window = loadedScene().mainWindow();
     if (!window) return;
     if (!window->isVisible()) {

@@ -9,7 +9,9 @@
 #include "app/app_coordinator.h"
 #include "app/app_relocation_manager.h"
 #include "app/reporting_url_opener.h"
+#include "base/lifetime.h"
 #include "base/main_queue.h"
+#include "base/user_defaults.h"
 #include "ui/desktop_notifications.h"
 #include "ui/desktop_presence.h"
 #include "ui/exposure_watch.h"
@@ -20,7 +22,8 @@
 namespace orbinex {
 
 /// The program's face: the tray icon, its panel and the main window. The windows are loaded when one is first
-/// asked for, and given back a while after the last was closed.
+/// asked for, and given back a while after the last was closed. While no tray icon is seen the main window
+/// stays in the task bar instead, minimised when it is closed.
 class Interface final {
   public:
     /// How long windows that are not seen stay in memory, for who opens them again at once.
@@ -32,6 +35,7 @@ class Interface final {
 
     struct Ports {
         MainQueue& queue;
+        UserDefaults& defaults;
         AppCoordinator& app;
         AppRelocationManager& relocation;
         PairingQuestion& pairing;
@@ -59,8 +63,11 @@ class Interface final {
     [[nodiscard]] TrayIcon& trayIcon() { return *trayIcon_; }
 
   private:
+    void openFromDesktop(const std::string& startupToken);
     [[nodiscard]] Scene& loadedScene();
     void follow(QQuickWindow& window);
+    void keepEntry();
+    void tellOfEntry();
     void openForQuestion();
     void closeAfterQuestion();
     void followPanel(QQuickWindow& panel);
@@ -68,21 +75,34 @@ class Interface final {
     void placePanel(QQuickWindow& panel) const;
     void visibilityChanged();
     void release();
-    void tell(const std::optional<BLEAlert>& alert);
+    [[nodiscard]] bool isMainWindowSeen() const { return scene_ && scene_->isMainWindowSeen(); }
+    void tell(DesktopNotifications& how, const std::string& title, const std::string& text);
+    void watchBluetooth(BluetoothState state);
+    void tellThatBluetoothIsOff();
 
     Ports ports_;
     std::unique_ptr<Scene> scene_;
     std::unique_ptr<TrayIcon> trayIcon_;
-    DesktopNotifications notifications_;
+    DesktopNotifications alertNotifications_;
+    DesktopNotifications entryNotifications_;
+    DesktopNotifications powerNotifications_;
     ExposureWatch exposure_;
     /// Connections to windows end with it.
     QObject context_;
     QRect panelAnchor_;
-    /// The main window is open for a question that waits for an answer, and for nothing else.
-    bool isForQuestionOnly_ = false;
+    /// What the main window is open for.
+    enum class Purpose {
+        person,    ///< they have opened it
+        question,  ///< it waits for an answer, and closes then
+        entry,     ///< it stands in the task bar, minimised, as there is no tray icon
+    };
+    Purpose purpose_ = Purpose::person;
     std::chrono::nanoseconds panelLeft_{-clickTime};
     Timer releaseTimer_;
+    bool isPowerKnown_ = false;
+    Timer powerTimer_;
     std::vector<Subscription> observers_;
+    Lifetime lifetime_;
 };
 
 }  // namespace orbinex

@@ -14,7 +14,7 @@ const std::vector<Label>& labels() {
         {"inputNotAllowed", "Input control not allowed"},
         {"allow", "Allow…"},
         {"openOrbinex", openOrbinex},
-        {"quitOrbinex", "Quit Orbinex"},
+        {"quitOrbinex", quitOrbinex},
         // the connection
         {"searchAgain", searchAgain},
         {"disconnect", disconnect},
@@ -68,6 +68,7 @@ const std::vector<Label>& labels() {
         {"autoConnectText", "Reconnect to trusted iPhones automatically."},
         {"showInDock", "Show in Dock"},
         {"showInMenuBar", "Show in Menu Bar"},
+        {"noTray", noTray},
         // the footer
         {"getTheApp", "Get the iPhone App"},
         {"privacyPolicy", "Privacy Policy"},

@@ -20,6 +20,7 @@ struct Label {
 
 inline constexpr const char* productName = "Orbinex";
 inline constexpr const char* openOrbinex = "Open Orbinex…";
+inline constexpr const char* quitOrbinex = "Quit Orbinex";
 
 // The link in a word, and what can be done about it.
 inline constexpr const char* bluetoothUnavailableWord = "Bluetooth Unavailable";
@@ -61,6 +62,15 @@ inline constexpr const char* bluetoothStarting = "Starting…";
 [[nodiscard]] std::string trayIcon(const std::string& phaseWord);
 /// Either part may be empty; then "1.0" and "1" stand for it.
 [[nodiscard]] std::string version(std::string_view release, std::string_view build);
+
+// A desktop without a tray.
+inline constexpr const char* noTray =
+    "This desktop has no place for tray icons: Orbinex stays in the task bar instead.";
+inline constexpr const char* keptInTaskBarTitle = "Orbinex Goes On Running";
+inline constexpr const char* keptInTaskBar =
+    "This desktop has no place for tray icons. To reach Orbinex, choose it in the task bar or start it "
+    "again. "
+    "To end it, choose Quit in the menu of its icon, or press Ctrl+Q in its window.";
 
 // Message boxes.
 /// The name may be empty.

@@ -33,6 +33,7 @@ SettingsModel::SettingsModel(const Managers& managers) : managers_(managers) {
     observers_.push_back(managers.preferences.autoConnect.onDidChange(preferences));
     observers_.push_back(managers.preferences.showInDock.onDidChange(preferences));
     observers_.push_back(managers.preferences.showMenuBarIcon.onDidChange(preferences));
+    observers_.push_back(managers.preferences.isTrayPresent.onDidChange(preferences));
 }
 
 QString SettingsModel::inputExplanation() const {

@@ -26,6 +26,8 @@ class SettingsModel final : public QObject {
     Q_PROPERTY(QString loginItemError READ loginItemError NOTIFY loginItemChanged)
     Q_PROPERTY(bool autoConnect READ autoConnect WRITE setAutoConnect NOTIFY preferencesChanged)
     Q_PROPERTY(bool showInDock READ showInDock WRITE setShowInDock NOTIFY preferencesChanged)
+    /// The tray icon is wanted, and the desktop has no place for it.
+    Q_PROPERTY(bool lacksTray READ lacksTray NOTIFY preferencesChanged)
     Q_PROPERTY(bool showInMenuBar READ showInMenuBar WRITE setShowInMenuBar NOTIFY preferencesChanged)
 
   public:
@@ -48,6 +50,10 @@ class SettingsModel final : public QObject {
     [[nodiscard]] bool autoConnect() const { return *managers_.preferences.autoConnect; }
     [[nodiscard]] bool showInDock() const { return *managers_.preferences.showInDock; }
     [[nodiscard]] bool showInMenuBar() const { return *managers_.preferences.showMenuBarIcon; }
+
+    [[nodiscard]] bool lacksTray() const {
+        return *managers_.preferences.showMenuBarIcon && !managers_.preferences.isTrayIconSeen();
+    }
 
     void setOpensAtLogin(bool enabled) { managers_.loginItem.setEnabled(enabled); }
     void setAutoConnect(bool enabled) { managers_.preferences.setAutoConnect(enabled); }

@@ -26,12 +26,6 @@ std::unique_ptr<Reply, decltype(&std::free)> adopt(Reply* reply) {
     return {reply, &std::free};
 }
 
-bool takesWindows(xcb_connection_t* connection, xcb_atom_t tray) {
-    const auto cookie = xcb_get_selection_owner(connection, tray);
-    const auto reply = adopt(xcb_get_selection_owner_reply(connection, cookie, nullptr));
-    return reply && reply->owner != XCB_WINDOW_NONE;
-}
-
 /// What is told of on the root window by messages to all reaches this connection, besides what does already.
 void hearTheRoot(xcb_connection_t* connection) {
     const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
@@ -44,32 +38,31 @@ void hearTheRoot(xcb_connection_t* connection) {
 
 }  // namespace
 
-TrayHost::TrayHost(std::function<void()> appeared)
-    : appeared_(std::move(appeared)), bus_(QDBusConnection::sessionBus()) {
+TrayHost::TrayHost(std::function<void(bool)> changed)
+    : changed_(std::move(changed)), bus_(QDBusConnection::sessionBus()) {
     xcb_connection_t* const connection = toolkitX11Connection();
-    if (!connection) {
-        appear();
-        return;
-    }
+    if (!connection) return;
+    isPresent_ = false;
     managerAtom_ = atomNamed(connection, "MANAGER");
     // The one of the first screen; no desktop has had another for long.
     trayAtom_ = atomNamed(connection, "_NET_SYSTEM_TRAY_S0");
-    if (takesWindows(connection, trayAtom_)) {
-        appear();
-        return;
-    }
     settling_.setSingleShot(true);
-    connect(&settling_, &QTimer::timeout, this, [this] { appear(); });
+    connect(&settling_, &QTimer::timeout, this, [this] {
+        findWindowTray();
+        update();
+    });
     hearTheRoot(connection);
     qGuiApp->installNativeEventFilter(this);
+    findWindowTray();
+    isPresent_ = windowTray_ != 0;
     if (!bus_.isConnected()) return;
     watcher_.setConnection(bus_);
-    watcher_.setWatchMode(QDBusServiceWatcher::WatchForRegistration);
+    watcher_.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
     watcher_.addWatchedService(notifierWatcher);
-    connect(&watcher_, &QDBusServiceWatcher::serviceRegistered, this, &TrayHost::askTheBus);
-    // The watcher may be there before the tray that it watches for.
-    bus_.connect(notifierWatcher, notifierPath, notifierWatcher, "StatusNotifierHostRegistered", this,
-                 SLOT(askTheBus()));
+    connect(&watcher_, &QDBusServiceWatcher::serviceOwnerChanged, this, &TrayHost::askTheBus);
+    // The watcher may be there without the tray that it watches for.
+    for (const char* const change : {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"})
+        bus_.connect(notifierWatcher, notifierPath, notifierWatcher, change, this, SLOT(askTheBus()));
     askTheBus();
 }
 
@@ -86,25 +79,50 @@ void TrayHost::askTheBus() {
     connect(answer, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* call) {
         const QDBusPendingReply<QDBusVariant> reply = *call;
         call->deleteLater();
-        if (reply.isValid() && reply.value().variant().toBool()) appear();
+        isOnTheBus_ = reply.isValid() && reply.value().variant().toBool();
+        update();
     });
 }
 
+/// Hears of its end, too, if there is one.
+void TrayHost::findWindowTray() {
+    xcb_connection_t* const connection = toolkitX11Connection();
+    const auto cookie = xcb_get_selection_owner(connection, trayAtom_);
+    const auto reply = adopt(xcb_get_selection_owner_reply(connection, cookie, nullptr));
+    windowTray_ = reply ? reply->owner : 0;
+    if (windowTray_ == 0) return;
+    const std::uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_change_window_attributes(connection, windowTray_, XCB_CW_EVENT_MASK, &mask);
+    xcb_flush(connection);
+}
+
 bool TrayHost::nativeEventFilter(const QByteArray& type, void* message, qintptr*) {
+    if (type != "xcb_generic_event_t") return false;
     const auto* const event = static_cast<const xcb_generic_event_t*>(message);
     constexpr unsigned sentMask = 0x7f;
-    if (type != "xcb_generic_event_t" || (event->response_type & sentMask) != XCB_CLIENT_MESSAGE)
-        return false;
-    // A tray tells of itself on the root window by MANAGER.
-    const auto* const client = reinterpret_cast<const xcb_client_message_event_t*>(event);
-    if (client->type == managerAtom_ && client->data.data32[1] == trayAtom_) settling_.start(settleTime);
+    switch (event->response_type & sentMask) {
+        case XCB_CLIENT_MESSAGE: {
+            // A tray tells of itself on the root window by MANAGER.
+            const auto* const client = reinterpret_cast<const xcb_client_message_event_t*>(event);
+            if (client->type == managerAtom_ && client->data.data32[1] == trayAtom_)
+                settling_.start(settleTime);
+            break;
+        }
+        case XCB_DESTROY_NOTIFY: {
+            const auto* const end = reinterpret_cast<const xcb_destroy_notify_event_t*>(event);
+            if (windowTray_ == 0 || end->window != windowTray_) break;
+            findWindowTray();
+            update();
+            break;
+        }
+        default: break;
+    }
     return false;
 }
 
-void TrayHost::appear() {
-    if (std::exchange(isPresent_, true)) return;
-    qGuiApp->removeNativeEventFilter(this);
-    appeared_();
+void TrayHost::update() {
+    const bool isPresent = isOnTheBus_ || windowTray_ != 0;
+    if (std::exchange(isPresent_, isPresent) != isPresent) changed_(isPresent);
 }
 
 }  // namespace orbinex

@@ -37,11 +37,14 @@ QIcon trayImage(const char* symbol) {
 
 }  // namespace
 
-TrayIcon::TrayIcon(AppPreferences& preferences, CentralBLEManager& central, Actions actions)
-    : preferences_(preferences), central_(central), actions_(std::move(actions)) {
-    observers_.push_back(
-        preferences.showMenuBarIcon.onDidChange([this](bool isWanted) { follow(isWanted); }));
-    host_ = std::make_unique<TrayHost>([this] { follow(*preferences_.showMenuBarIcon); });
+TrayIcon::TrayIcon(MainQueue& queue, AppPreferences& preferences, CentralBLEManager& central, Actions actions)
+    : queue_(queue),
+      preferences_(preferences),
+      central_(central),
+      actions_(std::move(actions)),
+      host_([this](bool isPresent) { followHost(isPresent); }) {
+    observers_.push_back(preferences.showMenuBarIcon.onDidChange([this](bool) { follow(); }));
+    followHost(host_.isPresent());
     observers_.push_back(central.phase.onDidChange([this](LinkPhase phase) {
         if (icon_) draw(phase);
     }));
@@ -49,11 +52,18 @@ TrayIcon::TrayIcon(AppPreferences& preferences, CentralBLEManager& central, Acti
 
 TrayIcon::~TrayIcon() = default;
 
-void TrayIcon::follow(bool isWanted) {
-    if (isWanted == isShown()) return;
-    if (!isWanted) return icon_.reset();
-    // While the host is made, it calls for itself.
-    if (host_ && !host_->isPresent()) return;
+void TrayIcon::followHost(bool isPresent) {
+    absence_ =
+        isPresent ? Timer() : queue_.after(trayPatience, [this] { preferences_.setTrayPresent(false); });
+    if (!isPresent) return;
+    follow();
+    preferences_.setTrayPresent(true);
+}
+
+void TrayIcon::follow() {
+    if (!*preferences_.showMenuBarIcon) return icon_.reset();
+    // One that is there returns to a tray that does.
+    if (isShown() || !host_.isPresent()) return;
     icon_ = std::make_unique<QSystemTrayIcon>();
     draw(*central_.phase);
     connect(icon_.get(), &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
@@ -77,7 +87,7 @@ QRect TrayIcon::geometry() const {
 
 bool TrayIcon::showMessage(const QString& title, const QString& text) {
     // An icon without a place of its own is drawn over the bus, and so would the message be.
-    if (geometry().isEmpty() || !QSystemTrayIcon::supportsMessages()) return false;
+    if (!host_.isPresent() || geometry().isEmpty() || !QSystemTrayIcon::supportsMessages()) return false;
     icon_->showMessage(title, text, icon_->icon());
     return true;
 }

@@ -5,8 +5,12 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <string>
+
+#include <unistd.h>
 
 #include "ui/x11_atoms.h"
 
@@ -105,6 +109,20 @@ bool activateForLaunch(QWindow& window, std::string_view startupToken) {
                      {fromAnApplication, *time, XCB_WINDOW_NONE, 0});
     xcb_flush(connection);
     return true;
+}
+
+std::string launchToken(QWindow& window) {
+    xcb_connection_t* const connection = toolkitX11Connection();
+    if (!connection) return {};
+    const auto cookie = xcb_get_property(connection, 0, idOf(window),
+                                         atomNamed(connection, "_NET_WM_USER_TIME"), XCB_ATOM_CARDINAL, 0, 1);
+    const std::unique_ptr<xcb_get_property_reply_t, decltype(&std::free)> reply(
+        xcb_get_property_reply(connection, cookie, nullptr), &std::free);
+    if (!reply || xcb_get_property_value_length(reply.get()) != sizeof(std::uint32_t)) return {};
+    std::uint32_t time = 0;
+    std::memcpy(&time, xcb_get_property_value(reply.get()), sizeof time);
+    return time == 0 ? std::string()
+                     : "orbinex-" + std::to_string(::getpid()) + "_TIME" + std::to_string(time);
 }
 
 void tellLaunched(QWindow& window, std::string_view startupToken) {

@@ -3,6 +3,7 @@
 #include <QWindow>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace orbinex {
@@ -23,6 +24,9 @@ void roundCorners(QWindow& window, int radius);
 /// program; window managers refuse that to programs that nobody has touched for a while. False where this
 /// token gives no grounds.
 bool activateForLaunch(QWindow& window, std::string_view startupToken);
+/// A token by which a program that is started now comes to the front, on the grounds of what the person last
+/// did in this window; empty where they have done nothing in it.
+[[nodiscard]] std::string launchToken(QWindow& window);
 /// Tells launchers that the launch has led to a window, so that they stop showing that they wait for it.
 void tellLaunched(QWindow& window, std::string_view startupToken);
 

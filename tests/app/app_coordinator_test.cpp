@@ -16,6 +16,14 @@ namespace {
 using namespace std::chrono_literals;
 
 struct Program {
+    Program() = default;
+    /// With a setting of an earlier run.
+    Program(const char* key, bool value)
+        : preferences([&]() -> UserDefaults& {
+              defaults.setBoolean(key, value);
+              return defaults;
+          }()) {}
+
     VirtualMainQueue queue;
     MemoryDefaults defaults;
     SimulatedRadio radio{queue};
@@ -88,6 +96,11 @@ TEST(AppPreferences, areStoredAndFollowedOncePerChange) {
     program.preferences.setAutoConnect(true);
     EXPECT_TRUE(link.autoConnectEnabled());
     EXPECT_EQ(changes, 2);
+}
+
+TEST(AppPreferences, areHonouredFromTheStart) {
+    Program program("autoConnect", false);
+    EXPECT_FALSE(program.app.centralManager.autoConnectEnabled());
 }
 
 TEST(AppPreferences, areReadAtTheStart) {

@@ -91,6 +91,24 @@ TEST(AppPreferences, leaveThePolicyAloneWhereItNeedNotChange) {
     EXPECT_TRUE(desktop.presence.calls.empty());
 }
 
+TEST(AppPreferences, keepTheTaskBarWhereThereIsNoTray) {
+    PreferencesDesktop desktop;
+    auto& preferences = desktop.preferences;
+    EXPECT_TRUE(preferences.isTrayIconSeen());
+    preferences.setShowInDock(false);
+    desktop.queue.runDue();
+    desktop.presence.calls.clear();
+    for (const bool isPresent : {false, false, true, true}) preferences.setTrayPresent(isPresent);
+    desktop.queue.runDue();
+    EXPECT_EQ(desktop.presence.calls, (Calls{"regular", "accessory"})) << "and nothing comes to the front";
+    EXPECT_FALSE(*preferences.showInDock) << "what the person has set stays";
+    preferences.setTrayPresent(false);
+    EXPECT_FALSE(preferences.isTrayIconSeen());
+    preferences.setShowInDock(true);
+    preferences.setShowInDock(false);
+    EXPECT_EQ(desktop.presence.policy, ActivationPolicy::regular);
+}
+
 TEST(AppPreferences, waitWithThePolicyUntilThereIsAnApplication) {
     VirtualMainQueue queue;
     MemoryDefaults defaults;

@@ -125,6 +125,72 @@ TEST(Interface, showsNoWindowAtLoginAndOneOtherwise) {
     }
 }
 
+TEST(Interface, staysInTheTaskBarWhileNoTrayIconIsSeen) {
+    const FacedProgram::Stored noIcon{{"showMenuBarIcon", false}};
+    for (const auto& stored : {FacedProgram::Stored(), noIcon}) {
+        FacedProgram program(stored);
+        const auto state = [&] {
+            program.queue.runDue();
+            return program.face.scene() && program.face.scene()->isMainWindowVisible()
+                       ? program.face.scene()->mainWindow()->visibility()
+                       : QWindow::Hidden;
+        };
+        program.preferences.setTrayPresent(false);
+        EXPECT_EQ(state(), QWindow::Minimized) << "from the start";
+        program.window();
+        EXPECT_EQ(state(), QWindow::Windowed);
+        program.window().close();
+        EXPECT_EQ(state(), QWindow::Minimized);
+        program.advance(Interface::unusedLifetime * 2);
+        EXPECT_EQ(state(), QWindow::Minimized);
+
+        // What waits for an answer comes to the person, and goes when it has one.
+        program.pairing.ask("Ada", std::nullopt, [](bool) {});
+        EXPECT_EQ(state(), QWindow::Windowed);
+        program.pairing.withdraw();
+        EXPECT_EQ(state(), QWindow::Minimized);
+
+        // The tray comes: nothing of the window is left, unless the person has it open.
+        program.preferences.setTrayPresent(true);
+        program.preferences.setShowMenuBarIcon(true);
+        EXPECT_EQ(state(), QWindow::Hidden);
+        program.window();
+        program.preferences.setTrayPresent(false);
+        program.preferences.setTrayPresent(true);
+        EXPECT_EQ(state(), QWindow::Windowed);
+        program.window().close();
+        EXPECT_EQ(state(), QWindow::Hidden);
+    }
+}
+
+TEST(Interface, tellsAtTheStartThatBluetoothIsOff) {
+    const struct {
+        BluetoothState first;
+        BluetoothState then;
+        bool isTold;
+    } rows[] = {
+        {BluetoothState::poweredOff, BluetoothState::poweredOff, true},
+        {BluetoothState::poweredOff, BluetoothState::poweredOn, false},
+        {BluetoothState::poweredOn, BluetoothState::poweredOff, false},
+        {BluetoothState::unsupported, BluetoothState::unsupported, false},
+    };
+    for (const auto& row : rows) {
+        FacedProgram program;
+        // There is no notification service here, so that the window opens in its place.
+        program.radio.setState(row.first);
+        program.advance(1s);
+        program.radio.setState(row.then);
+        program.advance(Interface::launchTime);
+        EXPECT_EQ(program.face.hasVisibleWindows(), row.isTold);
+        if (!row.isTold) continue;
+        program.window().close();
+        program.radio.setState(BluetoothState::poweredOn);
+        program.radio.setState(BluetoothState::poweredOff);
+        program.advance(Interface::unusedLifetime);
+        EXPECT_FALSE(program.face.hasVisibleWindows()) << "once";
+    }
+}
+
 TEST(Interface, doesNotReopenThePanelByTheClickThatClosedIt) {
     FacedProgram program;
     program.panel();

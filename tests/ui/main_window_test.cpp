@@ -279,6 +279,12 @@ TEST(MainWindow, keepsOneOfTheTwoPlacesSwitchedOn) {
     ASSERT_TRUE(hand.click("showInDock/switch"));
     EXPECT_FALSE(isOn(hand, "showInDock"));
     EXPECT_EQ(program.presence.activationPolicy(), ActivationPolicy::accessory);
+    program.preferences.setTrayPresent(false);
+    hand.settle();
+    EXPECT_TRUE(hand.sees("showInMenuBar/subtitle")) << "there is no tray to show it in";
+    program.preferences.setTrayPresent(true);
+    hand.settle();
+    EXPECT_FALSE(hand.sees("showInMenuBar/subtitle"));
     ASSERT_TRUE(hand.click("showInMenuBar/switch"));
     EXPECT_TRUE(isOn(hand, "showInDock"));
     EXPECT_FALSE(isOn(hand, "showInMenuBar"));

@@ -186,7 +186,11 @@ TEST(Panel, asksForInputControlAndStopsAskingOnceItIsGranted) {
     FacedProgram program({}, false);
     Hand hand(program.panel());
     ASSERT_TRUE(hand.sees("inputWarning"));
+    EXPECT_FALSE(hand.sees("inputWarning/inputExplanation"));
     ASSERT_TRUE(hand.click("inputWarning/allow"));
+    hand.settle();
+    EXPECT_TRUE(hand.sees("inputWarning/inputExplanation"));
+    EXPECT_EQ(hand.text("inputWarning/inputExplanation").toStdString(), program.shell.permission.missing);
     EXPECT_EQ(program.shell.permission.requests, 1);
     EXPECT_TRUE(program.app.accessibilityManager.isPolling());
     program.advance(4s);

@@ -20,6 +20,7 @@
 #include "ui/notification_service.h"
 #include "ui/notifier_watcher.h"
 #include "ui/root_listener.h"
+#include "ui/x11_window_hints.h"
 #include "ui/x_pointer.h"
 
 namespace orbinex::test {
@@ -84,8 +85,11 @@ TEST(XEmbedTray, opensThePanelAtTheIconAndTheWindowFromThere) {
     FacedProgram program;
     EXPECT_FALSE(program.face.trayIcon().isShown());
     // The tray starts after the program.
-    Desktop::start(desktop().tray, "trayer",
-                   {"--edge", "bottom", "--align", "right", "--widthtype", "request", "--height", "26"});
+    const auto startTray = [] {
+        Desktop::start(desktop().tray, "trayer",
+                       {"--edge", "bottom", "--align", "right", "--widthtype", "request", "--height", "26"});
+    };
+    startTray();
     ASSERT_TRUE(reaches([&] { return program.face.trayIcon().geometry().y() > 800; }))
         << "the icon is not in the tray";
     // The tray grows with its icon, and so the icon moves once more: a click may miss it.
@@ -122,6 +126,24 @@ TEST(XEmbedTray, opensThePanelAtTheIconAndTheWindowFromThere) {
     EXPECT_TRUE(reaches([&] { return desktop().isOutOfTheTaskBar(); })) << "opened anew";
     program.preferences.setShowInDock(true);
     EXPECT_TRUE(reaches([&] { return !desktop().isOutOfTheTaskBar(); }));
+    const auto token = program.presence.launchToken();
+    EXPECT_TRUE(startupTime(token)) << "of the click: " << token;
+
+    // The tray goes and comes back.
+    window.close();
+    desktop().tray.kill();
+    const auto isKept = [&] {
+        program.advance(1s);
+        return program.face.scene()->isMainWindowVisible();
+    };
+    ASSERT_TRUE(reaches(isKept));
+    EXPECT_EQ(window.visibility(), QWindow::Minimized);
+    EXPECT_TRUE(reaches(
+        [] { return desktop().server.run("xprop -name Orbinex WM_STATE 2>/dev/null | grep -q Iconic"); }));
+    desktop().tray.waitForFinished();
+    startTray();
+    ASSERT_TRUE(reaches([&] { return !isKept(); }));
+    EXPECT_TRUE(reaches([&] { return program.face.trayIcon().geometry().y() > 800; })) << "in the new tray";
     program.preferences.setShowMenuBarIcon(false);
     EXPECT_TRUE(reaches([&] { return program.face.trayIcon().geometry().isEmpty(); }));
 }
@@ -332,6 +354,32 @@ TEST_F(NotifierTray, notifiesOfAnAlertAndOpensTheWindowByAClick) {
         return isActivatedByToken;
     }));
     EXPECT_EQ(Hand(program.window()).text("messageTitle"), "Second");
+}
+
+TEST_F(NotifierTray, tellsOnceHowToReachAndEndItWhereThereIsNoTray) {
+    ASSERT_TRUE(bus.registerService(notificationName));
+    FacedProgram::Stored stored;
+    for (const bool isFirst : {true, false}) {
+        FacedProgram program(stored);
+        program.radio.setState(BluetoothState::poweredOff);
+        program.advance(TrayIcon::trayPatience);
+        ASSERT_TRUE(program.face.scene() && program.face.scene()->isMainWindowVisible());
+        EXPECT_EQ(program.face.scene()->mainWindow()->visibility(), QWindow::Minimized);
+        const std::size_t expected = isFirst ? 2 : 3;
+        ASSERT_TRUE(reaches([&] { return notifications.told().size() == expected; }));
+        EXPECT_EQ(notifications.told()[isFirst ? 0 : 2].actions,
+                  (QStringList{"default", "Open Bluetooth Settings"}));
+        stored = program.defaults.values;
+        if (!isFirst) break;
+        const auto told = notifications.told()[1];
+        EXPECT_EQ(told.replaces, 0U) << "beside the one about Bluetooth";
+        EXPECT_EQ(told.title, "Orbinex Goes On Running");
+        EXPECT_EQ(told.actions, (QStringList{"default", "Open Orbinex…", "1", "Quit Orbinex"}));
+        ASSERT_TRUE(reaches([&] { return program.defaults.boolean("toldOfTaskBarEntry") == true; }));
+        stored = program.defaults.values;
+        signal("ActionInvoked", {NotificationService::id, "1"});
+        EXPECT_TRUE(reaches([&] { return program.quits == 1; }));
+    }
 }
 
 }  // namespace

@@ -66,7 +66,7 @@ struct FacedProgram {
     PairingQuestion pairing;
     DesktopPresence presence;
     int quits = 0;
-    Interface face{{queue, app, relocation, pairing, urls, presence, [this] { ++quits; }}};
+    Interface face{{queue, defaults, app, relocation, pairing, urls, presence, [this] { ++quits; }}};
 };
 
 }  // namespace orbinex

@@ -7,7 +7,7 @@ namespace orbinex {
 namespace {
 
 constexpr std::string_view blanks = " \t\r";
-constexpr std::string_view groupHeader = "[Desktop Entry]";
+constexpr std::string_view mainGroup = "Desktop Entry";
 
 std::string_view trimmed(std::string_view text) {
     const auto first = text.find_first_not_of(blanks);
@@ -15,19 +15,26 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
+bool isHeaderOf(std::string_view line, std::string_view group) {
+    const auto text = trimmed(line);
+    return text.size() == group.size() + 2 && text.front() == '[' && text.back() == ']' &&
+           text.substr(1, group.size()) == group;
+}
+
 /// A part of the text.
-std::optional<std::string_view> groupLine(std::string_view text) {
+std::optional<std::string_view> groupLine(std::string_view text, std::string_view group) {
     for (const auto line : split(text, '\n')) {
-        if (trimmed(line) == groupHeader) return line;
+        if (isHeaderOf(line, group)) return line;
     }
     return std::nullopt;
 }
 
 /// A part of the text.
-std::optional<std::string_view> keyLine(std::string_view text, std::string_view key) {
+std::optional<std::string_view> keyLine(std::string_view text, std::string_view key,
+                                        std::string_view group = mainGroup) {
     bool isInGroup = false;
     for (const auto line : split(text, '\n')) {
-        if (line.starts_with('[')) isInGroup = trimmed(line) == groupHeader;
+        if (line.starts_with('[')) isInGroup = isHeaderOf(line, group);
         const auto equals = line.find('=');
         if (isInGroup && equals != std::string_view::npos && trimmed(line.substr(0, equals)) == key)
             return line;
@@ -139,10 +146,11 @@ std::string execValue(const std::vector<std::string>& arguments) {
     return value;
 }
 
-std::string withDesktopEntryValue(std::string_view text, std::string_view key, std::string_view value) {
-    const auto header = groupLine(text);
+std::string withDesktopEntryValue(std::string_view text, std::string_view key, std::string_view value,
+                                  std::string_view group) {
+    const auto header = groupLine(text, group);
     if (!header) return std::string(text);
-    const auto line = keyLine(text, key);
+    const auto line = keyLine(text, key, group);
     // Or the empty place behind the header.
     const auto replaced = line.value_or(header->substr(header->size()));
     const auto start = static_cast<std::size_t>(replaced.data() - text.data());

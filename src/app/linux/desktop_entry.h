@@ -23,10 +23,11 @@ namespace orbinex {
 /// The value of the key Exec that makes launchers start just these arguments.
 [[nodiscard]] std::string execValue(const std::vector<std::string>& arguments);
 
-/// The text with another value for a key of the group "Desktop Entry", in the place of the old one, or first
-/// in the group; whatever else there is stays as it is. `value` is as desktopEntryValue() gives it. A text
-/// without such a group stays as it is.
+/// The text with another value for a key of a group, in the place of the old one, or first in the group;
+/// whatever else there is stays as it is. `value` is as desktopEntryValue() gives it. A text without such a
+/// group stays as it is.
 [[nodiscard]] std::string withDesktopEntryValue(std::string_view text, std::string_view key,
-                                                std::string_view value);
+                                                std::string_view value,
+                                                std::string_view group = "Desktop Entry");
 
 }  // namespace orbinex

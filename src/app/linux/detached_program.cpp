@@ -21,7 +21,7 @@ QProcessEnvironment environmentOfTheSystem() {
 
 }  // namespace
 
-bool startDetached(const std::vector<std::string>& command) {
+bool startDetached(const std::vector<std::string>& command, const std::string& startupToken) {
     if (command.empty()) return false;
     const auto file = findProgram(command.front());
     if (file.empty()) return false;
@@ -30,7 +30,9 @@ bool startDetached(const std::vector<std::string>& command) {
     QStringList arguments;
     for (std::size_t i = 1; i < command.size(); ++i) arguments << QFile::decodeName(command[i].c_str());
     process.setArguments(arguments);
-    process.setProcessEnvironment(environmentOfTheSystem());
+    auto environment = environmentOfTheSystem();
+    if (!startupToken.empty()) environment.insert("DESKTOP_STARTUP_ID", QString::fromStdString(startupToken));
+    process.setProcessEnvironment(environment);
     process.setStandardInputFile(QProcess::nullDevice());
     process.setStandardOutputFile(QProcess::nullDevice());
     process.setStandardErrorFile(QProcess::nullDevice());

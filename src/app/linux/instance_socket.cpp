@@ -17,7 +17,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::string_view requestName = "open ";
-constexpr std::string_view presenceName = "present";
 constexpr std::string_view answer = "ok\n";
 constexpr std::size_t longestToken = 1024;  // bytes
 constexpr int backlog = 16;
@@ -74,20 +73,12 @@ CallResult awaitAnswer(int connection, Clock::time_point deadline) {
 std::string openRequest(std::string_view startupToken) {
     std::string token(startupToken.substr(0, longestToken));
     std::erase_if(token, [](char c) { return c == '\n' || c == '\r' || c == '\0'; });
-    return std::string(requestName) + token + "\n";
+    return std::string(requestName) + token;
 }
 
 std::optional<std::string> startupTokenOf(std::string_view line) {
     if (!line.starts_with(requestName)) return std::nullopt;
     return std::string(line.substr(requestName.size()).substr(0, longestToken));
-}
-
-std::string presenceRequest() {
-    return std::string(presenceName) + "\n";
-}
-
-bool isPresenceRequest(std::string_view line) {
-    return line == presenceName;
 }
 
 int listenAt(const std::string& path) {
@@ -124,7 +115,7 @@ CallResult callInstance(const std::string& path, const std::string& request,
     if (::connect(connection.fd, reinterpret_cast<const sockaddr*>(&*address), sizeof *address) != 0)
         return errno == EAGAIN ? CallResult::silent : CallResult::absent;
     if (!isOwn(connection.fd)) return CallResult::foreign;
-    if (!sendAll(connection.fd, request)) return CallResult::absent;
+    if (!sendAll(connection.fd, request + "\n")) return CallResult::absent;
     return awaitAnswer(connection.fd, deadline);
 }
 

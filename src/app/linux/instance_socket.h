@@ -9,13 +9,15 @@ namespace orbinex {
 
 // What two instances of the program say to each other through a socket file: one line each way.
 
-/// What a later instance asks: to show the main window. The token loses its line ends.
+/// What a later instance asks: to show the main window, without the line's end. The token loses its line
+/// ends.
 [[nodiscard]] std::string openRequest(std::string_view startupToken);
 /// The startup token of a request; nothing when the line is not one.
 [[nodiscard]] std::optional<std::string> startupTokenOf(std::string_view line);
-/// What an instance asks that has no window to be shown: whether the other is there.
-[[nodiscard]] std::string presenceRequest();
-[[nodiscard]] bool isPresenceRequest(std::string_view line);
+// Requests that are one word: what is asked where no window is to be shown, whether the other is there; and
+// that the other ends.
+inline constexpr std::string_view presenceWord = "present";
+inline constexpr std::string_view quitWord = "quit";
 
 /// A listening socket at the path, in place of whatever file is there; -1 when there can be none, as where
 /// the path is longer than such addresses are.
@@ -31,7 +33,8 @@ enum class CallResult {
     silent,    ///< somebody does, and did not answer in time
     foreign,   ///< it is another user's
 };
-/// Sends a request to the instance at the path and waits for its answer, no longer than the limit.
+/// Sends a request, which is one line, to the instance at the path and waits for its answer, no longer than
+/// the limit.
 [[nodiscard]] CallResult callInstance(const std::string& path, const std::string& request,
                                       std::chrono::milliseconds limit);
 

@@ -20,6 +20,7 @@
 #include "app/linux/desktop_entry.h"
 #include "app/linux/folder_copy.h"
 #include "app/linux/real_path.h"
+#include "app/linux/single_instance.h"
 #include "app/linux/small_file.h"
 
 namespace orbinex {
@@ -45,7 +46,9 @@ void removeDownloadMarks(const std::string& path) {
 
 /// What makes the copy known is what came with it, apart from where it lies.
 std::string launcherText(const std::string& text, const std::string& program) {
-    return withDesktopEntryValue(withDesktopEntryValue(text, "TryExec", program), "Exec",
+    const auto quitting =
+        withDesktopEntryValue(text, "Exec", execValue({program, quitArgument}), "Desktop Action Quit");
+    return withDesktopEntryValue(withDesktopEntryValue(quitting, "TryExec", program), "Exec",
                                  execValue({program}));
 }
 

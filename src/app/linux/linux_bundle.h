@@ -35,6 +35,7 @@ class LinuxBundle final : public ApplicationBundle {
     struct Ports {
         MainQueue& queue;
         DesktopOpener& opener;
+        /// Starts the copy, whose window is to come to the front as this one's was.
         DesktopOpener::Start start;
         Handover handover;
         /// If a copy of the program starts at login, it is this one from now on.

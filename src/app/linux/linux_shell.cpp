@@ -8,19 +8,21 @@
 
 namespace orbinex {
 
-LinuxShell::LinuxShell(MainQueue& queue, SingleInstance& instance, std::function<void()> quit)
+LinuxShell::LinuxShell(MainQueue& queue, SingleInstance& instance, Actions actions)
     : place_(ownPlace()),
       folders_(UserFolders::fromEnvironment()),
-      opener_(currentDesktops(), folders_.config, startDetached),
+      opener_(currentDesktops(), folders_.config, [](const auto& command) { return startDetached(command); }),
       loginItem_({folders_.config, place_.program, currentDesktops()},
                  [this] { return opener_.openPanel(SettingsPanel::loginItems); }),
       bundle_(place_, folders_,
               {queue,
                opener_,
-               startDetached,
+               [token = std::move(actions.launchToken)](const auto& command) {
+                   return startDetached(command, token());
+               },
                {[&instance] { instance.release(); }, [&instance] { return instance.isTaken(); },
                 [&instance] { instance.reclaim(); }},
                [this](const std::string& program) { loginItem_.follow(program); },
-               std::move(quit)}) {}
+               std::move(actions.quit)}) {}
 
 }  // namespace orbinex

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <string>
 
 #include "app/linux/desktop_opener.h"
 #include "app/linux/linux_bundle.h"
@@ -15,8 +16,14 @@ class SingleInstance;
 /// it. All of it is found out once, when this is made.
 class LinuxShell {
   public:
-    /// The queue and the instance must outlive the shell; `quit` ends the program.
-    LinuxShell(MainQueue& queue, SingleInstance& instance, std::function<void()> quit);
+    /// `launchToken` is what a copy of the program is started with, so that its window comes to the front as
+    /// this one's was; `quit` ends the program.
+    struct Actions {
+        std::function<std::string()> launchToken;
+        std::function<void()> quit;
+    };
+    /// The queue and the instance must outlive the shell.
+    LinuxShell(MainQueue& queue, SingleInstance& instance, Actions actions);
     LinuxShell(const LinuxShell&) = delete;
     LinuxShell& operator=(const LinuxShell&) = delete;
 

@@ -23,7 +23,6 @@ const std::vector<Row>& rows() {
         {"GNOME", Panel::bluetooth, {"gnome-control-center", "bluetooth"}},
         {"GNOME", Panel::loginItems, {"gnome-tweaks"}},
         {"GNOME", Panel::loginItems, {"gnome-session-properties"}},
-        {"GNOME", Panel::loginItems, {"gnome-control-center", "applications"}},
         {"GNOME", Panel::inputControl, {"gnome-control-center", "universal-access"}},
         {"Unity", Panel::bluetooth, {"unity-control-center", "bluetooth"}},
         {"Unity", Panel::loginItems, {"gnome-session-properties"}},

@@ -56,7 +56,7 @@ SingleInstance::~SingleInstance() {
 SingleInstance::Claim SingleInstance::claim(std::optional<std::string_view> startupToken,
                                             std::chrono::milliseconds limit) {
     const auto deadline = std::chrono::steady_clock::now() + limit;
-    const auto request = startupToken ? openRequest(*startupToken) : presenceRequest();
+    const auto request = startupToken ? openRequest(*startupToken) : std::string(presenceWord);
     for (;;) {
         switch (takePlace()) {
             case Place::taken: return Claim::first;
@@ -112,12 +112,17 @@ void SingleInstance::release() {
 }
 
 void SingleInstance::reclaim() {
-    if (takePlace() == Place::taken && onSecondLaunch_ && !watch_) startServing();
+    if (takePlace() == Place::taken && queue_ && !watch_) startServing();
 }
 
-void SingleInstance::serve(MainQueue& queue, std::function<void(const std::string&)> onSecondLaunch) {
+bool SingleInstance::askToQuit(std::chrono::milliseconds limit) const {
+    const auto result = callInstance(socketPath_, std::string(quitWord), limit);
+    return result == CallResult::answered || result == CallResult::absent;
+}
+
+void SingleInstance::serve(MainQueue& queue, Requests requests) {
     queue_ = &queue;
-    onSecondLaunch_ = std::move(onSecondLaunch);
+    requests_ = std::move(requests);
     if (listener_ >= 0) startServing();
 }
 
@@ -151,9 +156,10 @@ void SingleInstance::hear(Visitor& visitor) {
 
 void SingleInstance::answer(int connection, std::string_view line) {
     const auto token = startupTokenOf(line);
-    if (!token && !isPresenceRequest(line)) return;
+    if (!token && line != presenceWord && line != quitWord) return;
     answerRequest(connection);
-    if (token) queue_->post(lifetime_.guard([this, token = *token] { onSecondLaunch_(token); }));
+    if (token) queue_->post(lifetime_.guard([this, token = *token] { requests_.open(token); }));
+    if (line == quitWord) queue_->post(lifetime_.guard([this] { requests_.quit(); }));
 }
 
 }  // namespace orbinex

@@ -16,6 +16,9 @@ namespace orbinex {
 
 class FdWatch;
 
+/// The argument that asks the running instance to end.
+inline constexpr const char* quitArgument = "--quit";
+
 /// One running instance a user. Whoever holds the lock in the folder is it, until its process ends, however
 /// that ends; the socket beside the lock takes what later ones ask for. Only processes of the same user are
 /// listened to and believed.
@@ -44,10 +47,18 @@ class SingleInstance {
     /// nothing but its answer.
     [[nodiscard]] Claim claim(std::optional<std::string_view> startupToken,
                               std::chrono::milliseconds limit = usualLimit);
-    /// Calls back for every later start that asks for the window, with its startup token. To be called by the
-    /// first, once there is an event loop; starts that came before are answered then. The queue must outlive
-    /// this object.
-    void serve(MainQueue& queue, std::function<void(const std::string& startupToken)> onSecondLaunch);
+    /// Asks the running instance to end; true when it has answered, or there is none.
+    [[nodiscard]] bool askToQuit(std::chrono::milliseconds limit = usualLimit) const;
+
+    /// What later starts ask for.
+    struct Requests {
+        /// The window, with the startup token.
+        std::function<void(const std::string& startupToken)> open;
+        std::function<void()> quit;
+    };
+    /// From now on requests are answered, also those that came before. To be called by the first, once there
+    /// is an event loop. The queue must outlive this object.
+    void serve(MainQueue& queue, Requests requests);
 
     /// Lets another process take the place.
     void release();
@@ -72,7 +83,7 @@ class SingleInstance {
     int lock_ = -1;
     int listener_ = -1;
     MainQueue* queue_ = nullptr;
-    std::function<void(const std::string&)> onSecondLaunch_;
+    Requests requests_;
     std::unique_ptr<FdWatch> watch_;
     std::list<std::unique_ptr<Visitor>> visitors_;
     Lifetime lifetime_;

@@ -46,6 +46,7 @@ GlassCard {
     SwitchRow {
         objectName: "showInMenuBar"
         title: texts.showInMenuBar
+        subtitle: app.settings.lacksTray ? texts.noTray : ""
         value: app.settings.showInMenuBar
         onWanted: on => app.settings.showInMenuBar = on
     }

@@ -10,12 +10,15 @@ Window {
     /// The height of the screen that it is on; told from outside.
     property int availableHeight: 480
     readonly property int cornerRadius: Theme.cornerRadius
+    /// The person has asked for input control, and was not given it.
+    property bool isPermissionAsked: false
 
     title: texts.orbinex
     flags: Qt.Tool | Qt.FramelessWindowHint | Qt.WindowStaysOnTopHint
     width: 340
     height: Math.min(page.height + 2 * page.y, availableHeight - 4 * Theme.unit)
     color: Theme.background
+    onVisibleChanged: isPermissionAsked = false
 
     Shortcut {
         sequences: [StandardKey.Open]
@@ -141,12 +144,21 @@ Window {
                     color: Theme.warning
                     width: parent.width
                 }
+                SoftLabel {
+                    objectName: "inputExplanation"
+                    text: app.settings.inputExplanation
+                    visible: panel.isPermissionAsked && text !== ""
+                    width: parent.width
+                }
                 trailing: SecondaryButton {
                     objectName: "allow"
                     text: texts.allow
                     tint: Theme.warning
                     compact: true
-                    onClicked: app.settings.allowInput()
+                    onClicked: {
+                        app.settings.allowInput()
+                        panel.isPermissionAsked = true
+                    }
                 }
             }
             Divider {}

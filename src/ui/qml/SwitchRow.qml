@@ -14,6 +14,7 @@ Line {
         width: parent.width
     }
     SoftLabel {
+        objectName: "subtitle"
         text: row.subtitle
         visible: text !== ""
         width: parent.width

@@ -60,6 +60,11 @@ TEST(DesktopOpener, opensTheSettingsOfTheRunningDesktop) {
         {{}, {"blueberry"}, bluetooth, {"blueberry"}},
         {{"XFCE"}, {"gnome-control-center"}, bluetooth, {}},
         {{"KDE"}, {"systemsettings", "xdg-open"}, "login", {"systemsettings", "kcm_autostart"}},
+        // Its settings have no such panel.
+        {{"GNOME"},
+         {"gnome-control-center", "xdg-open"},
+         "login",
+         {"xdg-open", "/home/ada/.config/autostart"}},
         {{"XFCE"}, {"xfce4-session-settings"}, "login", {"xfce4-session-settings"}},
         {{"sway"}, {"xdg-open"}, "login", {"xdg-open", "/home/ada/.config/autostart"}},
     };
@@ -99,6 +104,14 @@ TEST(DesktopOpener, opensNothingElse) {
 
 TEST(DesktopOpener, startsRealProgramsAndTellsWhenThereAreNone) {
     EXPECT_TRUE(startDetached({"true", "an argument"}));
+    {
+        // By the token its window comes to the front.
+        const test::TemporaryFolder folder;
+        const auto pipe = folder / "pipe";
+        ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+        ASSERT_TRUE(startDetached({"sh", "-c", "echo $DESKTOP_STARTUP_ID >\"$0\"", pipe}, "x_TIME42"));
+        EXPECT_EQ(folder.read("pipe"), "x_TIME42\n");
+    }
     EXPECT_FALSE(startDetached({"orbinex-no-such-program"}));
     EXPECT_FALSE(startDetached({"/etc/passwd"}));
     EXPECT_FALSE(startDetached({"/"}));

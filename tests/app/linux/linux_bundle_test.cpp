@@ -130,7 +130,8 @@ struct Home {
         const std::string root = "Downloads/orbinex-1/";
         folder.write(root + "bin/orbinex", "code");
         folder.write(root + "share/applications/" + applicationId + ".desktop",
-                     "[Desktop Entry]\nExec=orbinex\nStartupNotify=true\n");
+                     "[Desktop Entry]\nExec=orbinex\nStartupNotify=true\n"
+                     "[Desktop Action Quit]\nExec=orbinex --quit\n");
         folder.write(root + "share/icons/hicolor/scalable/apps/" + applicationId + ".svg", "<svg/>");
         manager.offerMoveIfNeeded();
         queue.advance(1s);
@@ -173,6 +174,7 @@ TEST(LinuxBundle, movesToTheUsersApplicationsAndEndsOnceTheCopyHasTakenOver) {
     EXPECT_EQ(execArguments(desktopEntryValue(launcher, "Exec").value_or("")), Command{program});
     EXPECT_EQ(desktopEntryValue(launcher, "TryExec"), program);
     EXPECT_EQ(desktopEntryFlag(launcher, "StartupNotify"), true) << "as the one that came with it";
+    EXPECT_TRUE(launcher.ends_with("[Desktop Action Quit]\nExec=" + program + " --quit\n"));
     EXPECT_EQ(home.folder.read(std::string("data/icons/hicolor/scalable/apps/") + applicationId + ".svg"),
               "<svg/>");
 

@@ -43,6 +43,10 @@ class SingleInstanceTest : public testing::Test {
         later.join();
         return claim;
     }
+    void serve() {
+        first_.serve(queue_,
+                     {[this](const std::string& token) { tokens_.push_back(token); }, [this] { ++quits_; }});
+    }
     /// A connection to whoever listens.
     [[nodiscard]] int visit() const {
         const int fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
@@ -67,17 +71,30 @@ class SingleInstanceTest : public testing::Test {
     QtMainQueue queue_;
     test::TemporaryFolder folder_;
     std::vector<std::string> tokens_;
+    int quits_ = 0;
     SingleInstance first_{folder_.path()};
 };
 
 TEST_F(SingleInstanceTest, isAskedToShowItselfByEveryLaterStart) {
     ASSERT_EQ(first_.claim("", 0ms), Claim::first);
-    first_.serve(queue_, [&](const std::string& token) { tokens_.push_back(token); });
+    serve();
     EXPECT_EQ(startLater("token_TIME42"), Claim::told);
     EXPECT_EQ(startLater(""), Claim::told);
     EXPECT_EQ(startLater(std::nullopt), Claim::told) << "a start at login asks for nothing";
     EXPECT_EQ(startLater("two\nopen lines\n"), Claim::told);
     EXPECT_EQ(tokens_, (std::vector<std::string>{"token_TIME42", "", "twoopen lines"}));
+}
+
+TEST_F(SingleInstanceTest, isAskedToEnd) {
+    const SingleInstance other(folder_.path());
+    EXPECT_TRUE(other.askToQuit(0ms)) << "there is none";
+    ASSERT_EQ(first_.claim("", 0ms), Claim::first);
+    EXPECT_FALSE(other.askToQuit(30ms)) << "it hangs";
+    serve();
+    // What was asked while it did not look is done as well.
+    while (quits_ < 1) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    EXPECT_EQ(quits_, 1);
+    EXPECT_TRUE(tokens_.empty());
 }
 
 TEST_F(SingleInstanceTest, isSucceededWhenItHasDiedWhateverItLeft) {
@@ -104,8 +121,8 @@ TEST_F(SingleInstanceTest, isNotWaitedForLongWhenItHangs) {
 
 TEST_F(SingleInstanceTest, answersOnlyWhatItUnderstands) {
     ASSERT_EQ(first_.claim("", 0ms), Claim::first);
-    first_.serve(queue_, [&](const std::string& token) { tokens_.push_back(token); });
-    for (const std::string& bytes : {std::string("quit\n"), std::string("\n"), std::string(100'000, 'x'),
+    serve();
+    for (const std::string& bytes : {std::string("quit now\n"), std::string("\n"), std::string(100'000, 'x'),
                                      std::string("open\nopen \n"), std::string(3, '\0') + "\n"}) {
         const int fd = visit();
         ::send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
@@ -113,6 +130,7 @@ TEST_F(SingleInstanceTest, answersOnlyWhatItUnderstands) {
         ::close(fd);
     }
     EXPECT_TRUE(tokens_.empty());
+    EXPECT_EQ(quits_, 0);
     // Many that say nothing keep nobody from being heard.
     std::vector<int> silent;
     for (int i = 0; i < 12; ++i) silent.push_back(visit());
@@ -125,7 +143,7 @@ TEST_F(SingleInstanceTest, answersOnlyWhatItUnderstands) {
 
 TEST_F(SingleInstanceTest, handsOverAndTakesBack) {
     ASSERT_EQ(first_.claim("", 0ms), Claim::first);
-    first_.serve(queue_, [&](const std::string& token) { tokens_.push_back(token); });
+    serve();
     first_.release();
     EXPECT_FALSE(first_.isTaken());
     {
