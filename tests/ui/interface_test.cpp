@@ -175,9 +175,8 @@ TEST(Interface, tellsAtTheStartThatBluetoothIsOff) {
         {BluetoothState::unsupported, BluetoothState::unsupported, false},
     };
     for (const auto& row : rows) {
-        FacedProgram program;
+        FacedProgram program({}, true, row.first);
         // There is no notification service here, so that the window opens in its place.
-        program.radio.setState(row.first);
         program.advance(1s);
         program.radio.setState(row.then);
         program.advance(Interface::launchTime);

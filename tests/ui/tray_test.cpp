@@ -134,10 +134,10 @@ TEST(XEmbedTray, opensThePanelAtTheIconAndTheWindowFromThere) {
     desktop().tray.kill();
     const auto isKept = [&] {
         program.advance(1s);
-        return program.face.scene()->isMainWindowVisible();
+        return program.face.scene() && program.face.scene()->isMainWindowVisible();
     };
     ASSERT_TRUE(reaches(isKept));
-    EXPECT_EQ(window.visibility(), QWindow::Minimized);
+    EXPECT_EQ(program.face.scene()->mainWindow()->visibility(), QWindow::Minimized);
     EXPECT_TRUE(reaches(
         [] { return desktop().server.run("xprop -name Orbinex WM_STATE 2>/dev/null | grep -q Iconic"); }));
     desktop().tray.waitForFinished();
@@ -360,8 +360,7 @@ TEST_F(NotifierTray, tellsOnceHowToReachAndEndItWhereThereIsNoTray) {
     ASSERT_TRUE(bus.registerService(notificationName));
     FacedProgram::Stored stored;
     for (const bool isFirst : {true, false}) {
-        FacedProgram program(stored);
-        program.radio.setState(BluetoothState::poweredOff);
+        FacedProgram program(stored, true, BluetoothState::poweredOff);
         program.advance(TrayIcon::trayPatience);
         ASSERT_TRUE(program.face.scene() && program.face.scene()->isMainWindowVisible());
         EXPECT_EQ(program.face.scene()->mainWindow()->visibility(), QWindow::Minimized);

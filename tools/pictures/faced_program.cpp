@@ -18,8 +18,8 @@ QApplication& application() {
     return *made;
 }
 
-FacedProgram::FacedProgram(Stored stored, bool isInputAllowed)
-    : preferences([&]() -> UserDefaults& {
+FacedProgram::FacedProgram(Stored stored, bool isInputAllowed, BluetoothState bluetooth)
+    : radio(queue, bluetooth), preferences([&]() -> UserDefaults& {
           application();
           defaults.values = std::move(stored);
           return defaults;

@@ -27,7 +27,8 @@ QApplication& application();
 /// The whole program with its face, in virtual time and with phones that are in the air.
 struct FacedProgram {
     using Stored = decltype(MemoryDefaults::values);
-    explicit FacedProgram(Stored stored = {}, bool isInputAllowed = true);
+    explicit FacedProgram(Stored stored = {}, bool isInputAllowed = true,
+                          BluetoothState bluetooth = BluetoothState::poweredOn);
 
     /// A phone in the air; near enough for three bars unless told otherwise.
     SimulatedPhone& addPhone(const std::string& name, int rssi = -50);
@@ -43,7 +44,7 @@ struct FacedProgram {
 
     MemoryDefaults defaults;
     VirtualMainQueue queue;
-    SimulatedRadio radio{queue};
+    SimulatedRadio radio;
     WakeNotifier wake;
     RecordingEventPoster poster;
     ScriptedLayoutSource layouts;
