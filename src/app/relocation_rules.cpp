@@ -9,6 +9,9 @@ namespace {
 
 using namespace std::string_view_literals;
 
+// Of these the names are the product's on every system; where a system's own folders are others, its
+// ApplicationBundle tells them, or gives no path.
+
 /// Where development builds of the program lie.
 constexpr std::array developmentPlaces{"/DerivedData/"sv, "/build/Build/Products/"sv};
 constexpr std::string_view testBundleEnding = ".xctest";

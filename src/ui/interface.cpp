@@ -75,8 +75,9 @@ Scene& Interface::loadedScene() {
     if (!scene_) {
         scene_ = std::make_unique<Scene>(
             InterfaceModel::Sources{ports_.queue,
-                                    {ports_.app.centralManager, ports_.app.trustStore, ports_.relocation,
-                                     ports_.pairing, ports_.urls},
+                                    ports_.app.trustStore,
+                                    ports_.relocation,
+                                    ports_.pairing,
                                     {ports_.app.centralManager, ports_.app.accessibilityManager,
                                      ports_.app.loginItemManager, ports_.app.preferences},
                                     ports_.urls},

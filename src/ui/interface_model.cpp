@@ -11,10 +11,11 @@ namespace orbinex {
 InterfaceModel::InterfaceModel(const Sources& sources, Actions actions)
     : urls_(sources.urls),
       actions_(std::move(actions)),
-      connection_(sources.managers.central, sources.messages.trustStore, sources.urls),
-      phones_(sources.queue, sources.managers.central, sources.messages.trustStore),
+      connection_(sources.managers.central, sources.trustStore, sources.urls),
+      phones_(sources.queue, sources.managers.central, sources.trustStore),
       settings_(sources.managers),
-      message_(sources.messages) {}
+      message_({sources.managers.central, sources.trustStore, sources.relocation, sources.pairing,
+                sources.urls}) {}
 
 QString InterfaceModel::version() const {
     return QString::fromStdString(InterfaceText::version(shortVersion, buildVersion));

@@ -27,9 +27,11 @@ class InterfaceModel final : public QObject {
     };
     struct Sources {
         MainQueue& queue;
-        MessageModel::Sources messages;
+        TrustedDeviceStore& trustStore;
+        AppRelocationManager& relocation;
+        PairingQuestion& pairing;
         SettingsModel::Managers managers;
-        UrlOpener& urls;
+        ReportingUrlOpener& urls;
     };
     InterfaceModel(const Sources& sources, Actions actions);
 
