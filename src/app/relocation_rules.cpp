@@ -9,8 +9,8 @@ namespace {
 
 using namespace std::string_view_literals;
 
-// Of these the names are the product's on every system; where a system's own folders are others, its
-// ApplicationBundle tells them, or gives no path.
+// The places of a Mac, as the rules have them. On other systems nothing lies there: what ApplicationBundle
+// tells as the user's own folder decides, and no path for what is not to be moved.
 
 /// Where development builds of the program lie.
 constexpr std::array developmentPlaces{"/DerivedData/"sv, "/build/Build/Products/"sv};

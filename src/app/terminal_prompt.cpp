@@ -12,7 +12,6 @@ void TerminalPrompt::ask(const std::string& name, const std::optional<std::strin
     std::string quoted = name;
     std::ranges::replace(quoted, '"', '\'');
     print_("Pair with \"" + quoted + "\"? " + comparison + " Type yes or no.");
-    if (!canAnswer_) inputEnded();
 }
 
 void TerminalPrompt::withdraw() {
@@ -24,11 +23,6 @@ bool TerminalPrompt::answer(bool isAccepted) {
     const auto open = std::exchange(open_, nullptr);
     if (open) open(isAccepted);
     return static_cast<bool>(open);
-}
-
-void TerminalPrompt::inputEnded() {
-    canAnswer_ = false;
-    if (answer(false)) print_("Nobody can answer here: not paired.");
 }
 
 }  // namespace orbinex

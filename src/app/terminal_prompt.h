@@ -8,7 +8,7 @@
 
 namespace orbinex {
 
-/// Asks about a pairing on the terminal. Without anybody who could answer, the answer is no.
+/// Asks about a pairing on the terminal.
 class TerminalPrompt final : public PairingPrompt {
   public:
     explicit TerminalPrompt(std::function<void(const std::string&)> print) : print_(std::move(print)) {}
@@ -18,13 +18,10 @@ class TerminalPrompt final : public PairingPrompt {
 
     /// What the user answers; false when nothing is asked.
     bool answer(bool isAccepted);
-    /// Nobody will answer any more.
-    void inputEnded();
 
   private:
     std::function<void(const std::string&)> print_;
     Answer open_;
-    bool canAnswer_ = true;
 };
 
 }  // namespace orbinex

@@ -252,23 +252,5 @@ TEST(TerminalText, isOneLineThatMovesNothing) {
     for (const auto& row : rows) EXPECT_EQ(terminalText(row.text), row.expected) << row.expected;
 }
 
-TEST(TerminalPrompt, refusesWhenNobodyCanAnswer) {
-    Terminal terminal;
-    int refusals = 0;
-    const auto ask = [&] {
-        terminal.prompt.ask("Studio iPhone", "123456",
-                            [&](bool isAccepted) { refusals += isAccepted ? 0 : 1; });
-    };
-    ask();
-    EXPECT_EQ(refusals, 0);
-    terminal.printed.clear();
-    terminal.prompt.inputEnded();
-    EXPECT_EQ(refusals, 1) << "a question that is open when the input ends";
-    EXPECT_EQ(std::exchange(terminal.printed, {}), (Lines{"Nobody can answer here: not paired."}));
-    ask();
-    EXPECT_EQ(refusals, 2) << "one that comes later";
-    EXPECT_EQ(terminal.printed.back(), "Nobody can answer here: not paired.");
-}
-
 }  // namespace
 }  // namespace orbinex

@@ -36,7 +36,7 @@ Program::Program(EventLoop& loop, Report& report, const LinuxEditorBridge::Place
                                   editors_.daemon(),
                                   [] { return std::string(computerName); },
                                   {inputPermission_, shell_.loginItem, urls_, presence_.activation()}}),
-      face_({queue_, coordinator_, relocation_, pairing_, urls_, presence_,
+      face_({queue_, defaults_, coordinator_, relocation_, pairing_, urls_, presence_,
              [&loop] { loop.end({"Orbinex was quit"}); }}),
       delegate_(preferences_, relocation_, [this] { face_.openMainWindow(); }) {
     bundle_.location = std::nullopt;
