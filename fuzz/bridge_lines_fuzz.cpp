@@ -55,7 +55,7 @@ void readHeader(std::string_view line, DAWSessionSnapshot& session) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const ByteView bytes(data, size);
     const std::size_t cut = size == 0 ? 0 : data[0] % (size + 1);
-    LineReader reader;
+    ScriptLineReader reader;
     DAWSessionSnapshot session = DAWSessionSnapshot::placeholder();
     for (const ByteView piece : {bytes.first(cut), bytes.subspan(cut)}) {
         reader.take(piece, [&](std::string_view line) {

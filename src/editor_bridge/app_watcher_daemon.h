@@ -137,7 +137,7 @@ class AppWatcherDaemon final : public EditorBridge {
     MIDIEndpoints& midi_;
 
     bool isBLEClientConnected_ = false;
-    LineReader stdoutBuffer_;
+    ScriptLineReader stdoutBuffer_;
     /// As its script told it last.
     std::string resolveVersion_ = currentTelemetry->appVersion;
     PlaybackTracker playback_;

@@ -4,7 +4,7 @@
 
 namespace orbinex {
 
-std::optional<std::string_view> LineReader::decoded(ByteView read) {
+std::optional<std::string_view> ScriptLineReader::decoded(ByteView read) {
     text_.swap(cut_);
     cut_.clear();
     text_.append(reinterpret_cast<const char*>(read.data()), read.size());
@@ -15,19 +15,19 @@ std::optional<std::string_view> LineReader::decoded(ByteView read) {
     return std::string_view(text_).substr(0, valid.length);
 }
 
-void LineReader::skip(bool endsIt) {
+void ScriptLineReader::skip(bool endsIt) {
     unfinished_.clear();
     isSkipping_ = !endsIt;
 }
 
-void LineReader::clear() {
+void ScriptLineReader::clear() {
     cut_.clear();
     unfinished_.clear();
     isSkipping_ = false;
     ++era_;
 }
 
-std::optional<std::string_view> LineReader::finished(std::string_view end) {
+std::optional<std::string_view> ScriptLineReader::finished(std::string_view end) {
     if (isSkipping_ || unfinished_.size() + end.size() > longestLine) {
         skip(true);
         return std::nullopt;
@@ -39,7 +39,7 @@ std::optional<std::string_view> LineReader::finished(std::string_view end) {
     return trimWhitespace(line_);
 }
 
-void LineReader::keep(std::string_view piece) {
+void ScriptLineReader::keep(std::string_view piece) {
     if (isSkipping_) return;
     if (unfinished_.size() + piece.size() > longestLine) return skip(false);
     unfinished_.append(piece);

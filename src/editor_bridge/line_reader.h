@@ -11,7 +11,7 @@ namespace orbinex {
 
 /// Makes lines of what arrives in reads that are cut anywhere. Allocates nothing once it has seen reads of
 /// that size.
-class LineReader {
+class ScriptLineReader {
   public:
     /// Far more than any line of the script needs, in bytes. A longer line is dropped whole, up to its end.
     static constexpr std::size_t longestLine = 65'536;

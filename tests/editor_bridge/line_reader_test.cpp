@@ -20,12 +20,12 @@ struct Output {
                     });
     }
 
-    LineReader reader;
+    ScriptLineReader reader;
     Lines lines;
     std::string lastBeforeClear = "never";
 };
 
-TEST(LineReader, isTheSameHoweverItIsCut) {
+TEST(ScriptLineReader, isTheSameHoweverItIsCut) {
     const std::string all = "OXTC|é|日本|👩‍💻\r\n\n  spaces\u2003 \t\nlast one\nunfinished";
     const Lines expected{"OXTC|é|日本|👩‍💻", "", "spaces", "last one"};
     for (std::size_t size = 1; size <= all.size(); ++size) {
@@ -36,7 +36,7 @@ TEST(LineReader, isTheSameHoweverItIsCut) {
     }
 }
 
-TEST(LineReader, losesTheReadThatIsNoUTF8AndTheLineThatItIsPartOf) {
+TEST(ScriptLineReader, losesTheReadThatIsNoUTF8AndTheLineThatItIsPartOf) {
     const struct {
         Lines reads;
         Lines expected;
@@ -57,7 +57,7 @@ TEST(LineReader, losesTheReadThatIsNoUTF8AndTheLineThatItIsPartOf) {
     }
 }
 
-TEST(LineReader, dropsALineThatIsTooLongWhole) {
+TEST(ScriptLineReader, dropsALineThatIsTooLongWhole) {
     for (const std::size_t piece : {1'000UL, 65'536UL, 300'000UL}) {
         Output output;
         output.read("before\n");
@@ -66,11 +66,11 @@ TEST(LineReader, dropsALineThatIsTooLongWhole) {
         EXPECT_EQ(output.lines, (Lines{"before", "after"})) << piece;
     }
     Output output;
-    output.read(std::string(LineReader::longestLine, 'x') + "\n");
+    output.read(std::string(ScriptLineReader::longestLine, 'x') + "\n");
     EXPECT_EQ(output.lines.size(), 1U);
 }
 
-TEST(LineReader, isForgottenInTheMiddleOfAPiece) {
+TEST(ScriptLineReader, isForgottenInTheMiddleOfAPiece) {
     Output output;
     output.lastBeforeClear = "two";
     output.read("one\ntwo\nthree\nfour\xC3");
