@@ -7,7 +7,6 @@ namespace orbinex {
 namespace {
 
 constexpr std::string_view blanks = " \t\r";
-constexpr std::string_view mainGroup = "Desktop Entry";
 
 std::string_view trimmed(std::string_view text) {
     const auto first = text.find_first_not_of(blanks);
@@ -31,7 +30,7 @@ std::optional<std::string_view> groupLine(std::string_view text, std::string_vie
 
 /// A part of the text.
 std::optional<std::string_view> keyLine(std::string_view text, std::string_view key,
-                                        std::string_view group = mainGroup) {
+                                        std::string_view group = desktopEntryGroup) {
     bool isInGroup = false;
     for (const auto line : split(text, '\n')) {
         if (line.starts_with('[')) isInGroup = isHeaderOf(line, group);

@@ -10,7 +10,9 @@ namespace orbinex {
 // Desktop entries as the Desktop Entry Specification (1.5) has them: the key files that launchers, menus and
 // the start at login read.
 
-/// The value of a key of the group "Desktop Entry", with the escapes of strings undone. Nothing when the text
+inline constexpr std::string_view desktopEntryGroup = "Desktop Entry";
+
+/// The value of a key of that group, with the escapes of strings undone. Nothing when the text
 /// has no such group or key. Of a key that is there twice, the first.
 [[nodiscard]] std::optional<std::string> desktopEntryValue(std::string_view text, std::string_view key);
 /// True for "true"; nothing as above, or for any value but "true" and "false".
@@ -28,6 +30,6 @@ namespace orbinex {
 /// group stays as it is.
 [[nodiscard]] std::string withDesktopEntryValue(std::string_view text, std::string_view key,
                                                 std::string_view value,
-                                                std::string_view group = "Desktop Entry");
+                                                std::string_view group = desktopEntryGroup);
 
 }  // namespace orbinex
