@@ -81,13 +81,6 @@ TEST(Interface, isNoLargerThanTheScreen) {
     EXPECT_TRUE(available.contains(program.panel().geometry()));
 }
 
-TEST(Interface, opensTheWindowForWhatNeedsAnAnswer) {
-    FacedProgram program;
-    program.pairing.ask("Ada", std::nullopt, [](bool) {});
-    ASSERT_TRUE(program.face.hasVisibleWindows());
-    EXPECT_TRUE(program.face.scene()->isMainWindowVisible());
-}
-
 TEST(Interface, closesTheWindowThatAQuestionHasOpenedOnceItIsAnswered) {
     FacedProgram program;
     const auto ask = [&] { program.pairing.ask("Ada", "123 456", [](bool) {}); };

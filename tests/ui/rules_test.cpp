@@ -81,72 +81,42 @@ TEST(InterfaceTexts, fillInWhatIsMissing) {
     EXPECT_EQ(InterfaceText::trayIcon("Searching"), "Orbinex — Searching");
 }
 
-TEST(ConnectionFace, saysIPhoneWhereThereIsNoName) {
+TEST(ConnectionFace, saysIPhoneWhereThereIsNoNameAndTheLinksLineWhereItTellsMore) {
     const struct {
         LinkPhase phase;
         const char* panelStatus;
-        const char* windowTitle;
-    } rows[] = {
-        {LinkPhase::connecting, "Connecting to iPhone…", "Connecting…"},
-        {LinkPhase::securing, "Securing connection…", "Connecting…"},
-        {LinkPhase::connected, "Connected to iPhone", "Connected to iPhone"},
-    };
-    for (const auto& row : rows) {
-        const ConnectionFace face = connectionFace({row.phase, std::nullopt, {}}, true);
-        EXPECT_EQ(face.panelStatus, row.panelStatus);
-        EXPECT_EQ(face.windowTitle, row.windowTitle);
-    }
-}
-
-TEST(ConnectionFace, addsTheLinksOwnLineWhereItTellsMore) {
-    const struct {
-        LinkPhase phase;
+        const char* title;
         const char* line;
         bool isShown;
     } rows[] = {
-        {LinkPhase::bluetoothUnavailable, "This Mac doesn't support Bluetooth Low Energy.", true},
-        {LinkPhase::searching, "Waiting for a trusted iPhone…", false},
-        {LinkPhase::searching, "Waiting for your iPhone", false},
-        {LinkPhase::searching, "Reconnecting in 4s…", true},
-        {LinkPhase::searching, "Orbinex isn't active on the iPhone", true},
-        {LinkPhase::connecting, "Connecting to Ada…", true},
-        {LinkPhase::connected, "Connected to Ada", false},
+        {LinkPhase::bluetoothUnavailable, "Bluetooth unavailable", "Bluetooth Is Unavailable",
+         "This Mac doesn't support Bluetooth Low Energy.", true},
+        {LinkPhase::searching, "Waiting for your iPhone", "Waiting for your iPhone",
+         "Waiting for a trusted iPhone…", false},
+        {LinkPhase::searching, "Waiting for your iPhone", "Waiting for your iPhone",
+         "Waiting for your iPhone", false},
+        {LinkPhase::searching, "Waiting for your iPhone", "Waiting for your iPhone", "Reconnecting in 4s…",
+         true},
+        {LinkPhase::connecting, "Connecting to iPhone…", "Connecting…", "Connecting to Ada…", true},
+        {LinkPhase::securing, "Securing connection…", "Connecting…", "Securing connection with Ada…", true},
+        {LinkPhase::connected, "Connected to iPhone", "Connected to iPhone", "Connected to Ada", false},
     };
-    for (const auto& row : rows)
-        EXPECT_EQ(connectionFace({row.phase, "Ada", row.line}, true).windowDetail,
-                  row.isShown ? row.line : "")
-            << row.line;
+    for (const auto& row : rows) {
+        const ConnectionFace face = connectionFace({row.phase, std::nullopt, row.line}, true);
+        EXPECT_EQ(face.panelStatus, row.panelStatus);
+        EXPECT_EQ(face.windowTitle, row.title);
+        EXPECT_EQ(face.windowDetail, row.isShown ? row.line : "");
+    }
 }
 
-TEST(TrustedRow, readsAsItStands) {
+TEST(TrustedRow, saysWhenItWasConnectedWhileItIsNotNearby) {
     const Date now(Seconds(800'000'000.0));
     TrustedDevice device;
-    device.name = "Ada";
-    const auto row = [&](TrustedStanding standing) { return trustedRow(device, standing, now); };
-    const struct {
-        TrustedStanding standing;
-        const char* panel;
-        const char* window;
-        bool canConnect;
-        bool canDisconnect;
-    } rows[] = {
-        {{LinkPhase::connecting, true, true}, "Connecting…", "Connecting…", false, false},
-        {{LinkPhase::securing, true, true}, "Connecting…", "Securing…", false, false},
-        {{LinkPhase::connected, true, false}, "Connected", "Connected", false, true},
-        {{LinkPhase::connected, false, true}, "Nearby", "Nearby", true, false},
-        {{LinkPhase::searching, false, false}, "Not nearby", "Not nearby", true, false},
-    };
-    for (const auto& expected : rows) {
-        const PhoneRow made = row(expected.standing);
-        EXPECT_EQ(made.panelStatus, expected.panel);
-        EXPECT_EQ(made.windowStatus, expected.window);
-        EXPECT_EQ(made.canConnect, expected.canConnect) << expected.window;
-        EXPECT_EQ(made.canDisconnect, expected.canDisconnect) << expected.window;
-    }
     device.lastConnected = now - Seconds(3 * 86'400.0);
-    EXPECT_EQ(row({}).windowStatus, "Last connected 3 days ago");
-    EXPECT_EQ(row({}).panelStatus, "Not nearby");
-    EXPECT_EQ(row({LinkPhase::searching, false, true}).windowStatus, "Nearby");
+    EXPECT_EQ(trustedRow(device, {}, now).windowStatus, "Last connected 3 days ago");
+    EXPECT_EQ(trustedRow(device, {}, now).panelStatus, "Not nearby");
+    EXPECT_EQ(trustedRow(device, {LinkPhase::connected, false, true}, now).windowStatus, "Nearby");
+    EXPECT_EQ(trustedRow(device, {LinkPhase::connected, false, true}, now).panelStatus, "Nearby");
 }
 
 TEST(ShownName, staysOnOneLineAndCannotReverseIt) {
