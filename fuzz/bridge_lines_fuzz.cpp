@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "editor_bridge/bridge_lines.h"
-#include "editor_bridge/line_reader.h"
+#include "editor_bridge/script_line_reader.h"
 #include "editor_bridge/session_edits.h"
 #include "editor_bridge/timecode.h"
 #include "require.h"

@@ -1,4 +1,4 @@
-#include "editor_bridge/line_reader.h"
+#include "editor_bridge/script_line_reader.h"
 
 #include "base/text.h"
 
