@@ -52,19 +52,6 @@ TEST(Panel, listsStrangersByStrengthAndConnectsTheOneThatIsClicked) {
     EXPECT_FALSE(hand.sees("trusted0/connect")) << "it is the active one";
 }
 
-TEST(Panel, connectsATrustedIPhoneThatIsNearby) {
-    FacedProgram program;
-    auto& phone = program.addPhone("Ada");
-    program.bringTo(LinkPhase::connected, phone);
-    program.app.centralManager.disconnect();
-    program.advance(2s);
-    Hand hand(program.panel());
-    EXPECT_EQ(hand.text("trusted0/status"), "Nearby");
-    ASSERT_TRUE(hand.click("trusted0/connect"));
-    program.advance(2s);
-    EXPECT_EQ(program.phase(), LinkPhase::connected);
-}
-
 TEST(Panel, doesWhatTheButtonSaidWhenItWasPressed) {
     FacedProgram program;
     auto& phone = program.addPhone("Ada");

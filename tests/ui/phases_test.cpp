@@ -119,6 +119,12 @@ TEST(Phases, readAlikeInBothWindowsAndEndByTheirButtons) {
             program.advance(1s);
             EXPECT_EQ(program.phase(), LinkPhase::searching) << shown.action;
         }
+        program.advance(2s);
+        panel.settle();
+        window.settle();
+        EXPECT_TRUE(isInPanel ? panel.click("trusted0/connect") : window.click("myPhone0/connect"));
+        program.advance(2s);
+        check(program, window, panel, underWay[2]);
         program.radio.setState(BluetoothState::poweredOff);
         program.advance(1s);
         check(program, window, panel, unavailable);
