@@ -45,6 +45,7 @@ bool waitFor(Condition condition, milliseconds limit) {
 
 ChildProcess::ChildProcess(std::vector<std::string> command, const Options& options) {
     std::vector<char*> words;
+    words.reserve(command.size() + 1);
     for (auto& word : command) words.push_back(word.data());
     words.push_back(nullptr);
     // Execution closes the other end: until then the process still is this test.
