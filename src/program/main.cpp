@@ -147,12 +147,14 @@ class Program {
         : display_(display), instance_(instance), options_(options) {}
 
     /// Returns when the person, a signal or the display ends it; the exit status.
-    int run() {
+    int run(const std::string& startupToken) {
+        // Whoever has asked for this start sees its window in front; a copy that takes over, too.
+        presence_.setStartupToken(startupToken);
         shell_.loginItem().repair();
         delegate_.willFinishLaunching();
         delegate_.didFinishLaunching(options_.isLoginLaunch);
-        instance_.serve(queue_, {[this](const std::string& startupToken) {
-                                     presence_.setStartupToken(startupToken);
+        instance_.serve(queue_, {[this](const std::string& token) {
+                                     presence_.setStartupToken(token);
                                      delegate_.handleSecondLaunch();
                                  },
                                  quit});
@@ -247,5 +249,5 @@ int main(int argc, char** argv) {
         tellStartFailure(whyNoDisplay(obstacle), start.isByLauncher());
         return 1;
     }
-    return Program(*display, instance, options).run();
+    return Program(*display, instance, options).run(start.token);
 }
