@@ -45,7 +45,7 @@ void AppRelocationManager::moveToApplications(const std::string& path) {
 bool AppRelocationManager::putCopy(const std::string& path, const std::string& destination) {
     // It would take the place of the running program, or be copied into itself.
     if (isIn(destination, path)) return false;
-    if (!bundle_.isWritable(bundle_.applicationsFolder())) return false;
+    if (!bundle_.makeWritable(bundle_.applicationsFolder())) return false;
     if (bundle_.exists(destination) && !bundle_.moveToTrash(destination) && !bundle_.remove(destination))
         return false;
     return bundle_.copy(path, destination);

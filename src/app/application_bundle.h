@@ -28,8 +28,8 @@ class ApplicationBundle {
     /// The user's own such folder; nothing when there is none.
     [[nodiscard]] virtual std::optional<std::string> userApplicationsFolder() const = 0;
 
-    /// The user may put files into the folder, which is made when it can be.
-    [[nodiscard]] virtual bool isWritable(const std::string& folder) = 0;
+    /// Makes the folder where there is none. True when the user may put files into it.
+    [[nodiscard]] virtual bool makeWritable(const std::string& folder) = 0;
     [[nodiscard]] virtual bool exists(const std::string& path) const = 0;
     virtual bool moveToTrash(const std::string& path) = 0;
     /// Of files and whole folders.

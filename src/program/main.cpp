@@ -28,12 +28,12 @@
 #include "app/linux/standard_streams.h"
 #include "app/linux/system_bus.h"
 #include "app/linux/unix_signals.h"
+#include "app/plain_line.h"
 #include "app/product_version.h"
 #include "app/reporting_url_opener.h"
 #include "app/terminal_console.h"
 #include "app/terminal_prompt.h"
 #include "app/terminal_report.h"
-#include "app/terminal_text.h"
 #include "app/two_prompts.h"
 #include "app/x11/x11_input_permission.h"
 #include "input/uinput/uinput_scroll.h"
@@ -51,7 +51,7 @@ namespace {
 using namespace orbinex;
 
 void say(const std::string& line) {
-    std::printf("%s\n", terminalText(line).c_str());
+    std::printf("%s\n", plainLine(line).c_str());
     std::fflush(stdout);
 }
 
@@ -137,7 +137,7 @@ std::string whyNoDisplay(X11Connection::Obstacle obstacle) {
 
 void tellSettingsAreNotStored(const std::string& file) {
     std::fprintf(stderr, "orbinex: cannot write %s; what is changed now is forgotten when it ends.\n",
-                 terminalText(file).c_str());
+                 plainLine(file).c_str());
 }
 
 /// Its parts, each made of those above it.
@@ -161,8 +161,7 @@ class Program {
         const TerminalReport report(coordinator_, say);
         TerminalConsole console(coordinator_, terminalPrompt_, say, quit);
         // Where nobody can type any more, a pairing is still asked about in the window.
-        const StandardInput input(
-            queue_, [&](const std::string& line) { console.execute(line); }, [] {});
+        const StandardInput input(queue_, [&](const std::string& line) { console.execute(line); });
         return QCoreApplication::exec();
     }
 

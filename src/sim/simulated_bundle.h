@@ -22,7 +22,7 @@ class SimulatedBundle final : public ApplicationBundle {
     [[nodiscard]] std::string applicationsFolder() const override { return folder; }
     [[nodiscard]] std::optional<std::string> userApplicationsFolder() const override { return userFolder; }
 
-    [[nodiscard]] bool isWritable(const std::string&) override { return !failing.contains("write"); }
+    [[nodiscard]] bool makeWritable(const std::string&) override { return !failing.contains("write"); }
     [[nodiscard]] bool exists(const std::string& path) const override { return files.contains(path); }
     bool moveToTrash(const std::string& path) override { return take("trash", path); }
     bool remove(const std::string& path) override { return take("remove", path); }

@@ -1,6 +1,6 @@
 #include "ui/shown_text.h"
 
-#include "app/terminal_text.h"
+#include "app/plain_line.h"
 #include "link/link_texts.h"
 
 namespace orbinex {
@@ -11,7 +11,7 @@ std::string shownText(std::string_view text) {
     for (const std::string_view mark : {"\xE2\x80\x8E", "\xE2\x80\x8F", "\xD8\x9C"})
         for (auto at = kept.find(mark); at != std::string::npos; at = kept.find(mark, at))
             kept.erase(at, mark.size());
-    return terminalText(kept);
+    return plainLine(kept);
 }
 
 std::string shownName(std::string_view name) {

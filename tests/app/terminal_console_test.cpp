@@ -6,8 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include "app/plain_line.h"
 #include "app/terminal_prompt.h"
-#include "app/terminal_text.h"
 #include "link/link_texts.h"
 #include "protocol/device_info.h"
 #include "sim/memory_defaults.h"
@@ -249,7 +249,7 @@ TEST(TerminalText, isOneLineThatMovesNothing) {
          "a\xe2\x80",
          "\uFFFDa\uFFFD"},
     };
-    for (const auto& row : rows) EXPECT_EQ(terminalText(row.text), row.expected) << row.expected;
+    for (const auto& row : rows) EXPECT_EQ(plainLine(row.text), row.expected) << row.expected;
 }
 
 }  // namespace

@@ -75,7 +75,7 @@ bool LinuxBundle::hasEnvironmentVariable(const char* name) const {
     return std::getenv(name) != nullptr;
 }
 
-bool LinuxBundle::isWritable(const std::string& folder) {
+bool LinuxBundle::makeWritable(const std::string& folder) {
     std::error_code error;
     fs::create_directories(folder, error);
     return fs::is_directory(folder, error) && ::access(folder.c_str(), W_OK | X_OK) == 0;
@@ -88,7 +88,7 @@ bool LinuxBundle::exists(const std::string& path) const {
 
 bool LinuxBundle::moveToTrash(const std::string& path) {
     // Where Qt cannot make the user's trash, it takes the present folder for one.
-    return isWritable(folders_.data) && QFile::moveToTrash(QFile::decodeName(path.c_str()));
+    return makeWritable(folders_.data) && QFile::moveToTrash(QFile::decodeName(path.c_str()));
 }
 
 bool LinuxBundle::remove(const std::string& path) {

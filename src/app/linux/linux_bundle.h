@@ -52,7 +52,7 @@ class LinuxBundle final : public ApplicationBundle {
     [[nodiscard]] std::optional<std::string> userApplicationsFolder() const override {
         return applicationsFolder();
     }
-    [[nodiscard]] bool isWritable(const std::string& folder) override;
+    [[nodiscard]] bool makeWritable(const std::string& folder) override;
     [[nodiscard]] bool exists(const std::string& path) const override;
     bool moveToTrash(const std::string& path) override;
     bool remove(const std::string& path) override;

@@ -9,11 +9,9 @@
 
 namespace orbinex {
 
-StandardInput::StandardInput(MainQueue& queue, std::function<void(const std::string&)> onLine,
-                             std::function<void()> onEnd)
+StandardInput::StandardInput(MainQueue& queue, std::function<void(const std::string&)> onLine)
     : queue_(queue),
       onLine_(std::move(onLine)),
-      onEnd_(std::move(onEnd)),
       watch_(std::make_unique<FdWatch>(STDIN_FILENO, [this] { read(); })) {}
 
 void StandardInput::read() {
@@ -25,10 +23,9 @@ void StandardInput::read() {
     }
     if (count < 0 && (errno == EINTR || errno == EAGAIN)) return;
     // Not destroyed here: it is what is calling. Until then it may call again.
-    if (!onEnd_) return;
+    if (std::exchange(hasEnded_, true)) return;
     queue_.post(lifetime_.guard([this] { watch_.reset(); }));
     if (!lines_.unfinished().empty()) onLine_(lines_.unfinished());
-    std::exchange(onEnd_, nullptr)();
 }
 
 }  // namespace orbinex

@@ -15,17 +15,15 @@ namespace orbinex {
 /// read there, has none. See prepareStandardStreams.
 class StandardInput {
   public:
-    /// `onLine` gets any bytes but a line feed. `onEnd` is called once, unless this object goes first. A last
-    /// line without a line feed is a line.
-    StandardInput(MainQueue& queue, std::function<void(const std::string&)> onLine,
-                  std::function<void()> onEnd);
+    /// `onLine` gets any bytes but a line feed. A last line without a line feed is a line.
+    StandardInput(MainQueue& queue, std::function<void(const std::string&)> onLine);
 
   private:
     void read();
 
     MainQueue& queue_;
     std::function<void(const std::string&)> onLine_;
-    std::function<void()> onEnd_;
+    bool hasEnded_ = false;
     LineReader lines_;
     std::unique_ptr<FdWatch> watch_;
     Lifetime lifetime_;

@@ -9,8 +9,8 @@
 
 namespace orbinex {
 
-/// Brings chunks of a file to hand in the background, ahead of where it is read. Who has one posts it to the
-/// workers to be rid of it.
+/// Brings chunks of a file to hand in the background, ahead of where it is read. Its last owner gives it to
+/// the workers, as closing a file may wait for a disk.
 class ChunkStore : public MediaTask {
   public:
     using Chunk = ChunkPlan::Chunk;

@@ -1,4 +1,4 @@
-#include "app/terminal_text.h"
+#include "app/plain_line.h"
 
 #include <algorithm>
 #include <span>
@@ -21,7 +21,7 @@ bool isUnsafe(char16_t unit) {
 
 }  // namespace
 
-std::string terminalText(std::string_view text) {
+std::string plainLine(std::string_view text) {
     const auto bytes = std::as_bytes(std::span(text));
     auto units =
         utf16(repairUTF8(ByteView(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size())));
